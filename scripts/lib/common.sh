@@ -1,0 +1,35 @@
+# Shared by scripts/run, scripts/test and scripts/bench: the Debian packages Orvanta needs,
+# installed when missing, and the build step.
+
+ORVANTA_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
+
+ORVANTA_PACKAGES=(
+    cmake ninja-build g++ pkg-config
+    qt6-base-dev
+    libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+# Installs the packages that are not installed yet, with sudo unless already root.
+orvanta_install_packages() {
+    local missing=()
+    local package
+    for package in "${ORVANTA_PACKAGES[@]}" "$@"; do
+        if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed'; then
+            missing+=("$package")
+        fi
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing missing packages: ${missing[*]}"
+    local sudo=()
+    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+
+# orvanta_build BUILD_DIR [cmake options...]
+orvanta_build() {
+    local dir="$1"
+    shift
+    cmake -S "$ORVANTA_ROOT" -B "$dir" -G Ninja "$@" >/dev/null
+    cmake --build "$dir" --parallel "$(nproc)"
+}
