@@ -164,8 +164,8 @@ OSStatus SimulatedAudioHardware::setPropertyData(AudioObjectID objectID, const A
 bool SimulatedAudioHardware::hasProperty(AudioObjectID objectID, const AudioObjectPropertyAddress& address)
 {
     auto record = CallRecord::of(CallKind::HasProperty, objectID, address);
-    if (begin(record)) {
-        finish(record, noErr);
+    if (auto injected = begin(record)) {
+        finish(record, *injected);
         return false;
     }
     record.answer = resolve(objectID, address).has_value();

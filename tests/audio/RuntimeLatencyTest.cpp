@@ -1,0 +1,98 @@
+#include "support/SimAudio.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace orvanta::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class RuntimeLatency : public ::testing::Test
+{
+protected:
+    SimAudio sim{{outputDevice("Speakers", "spk"), outputDevice("BT", "bt", hal::kAudioDeviceTransportTypeBluetooth)}};
+
+    void startSync(int primaryMs = 0, int secondaryMs = 0)
+    {
+        ASSERT_EQ(sim.audio.createStackedDevice("spk", "bt", primaryMs, secondaryMs), hal::noErr);
+        sim.reset();
+    }
+
+    double latencyOf(const std::string& uid) const
+    {
+        const auto* stacked = sim.system.deviceWithUID(audio::stackedDeviceUID);
+        for (const auto id : stacked->subDevices) {
+            if (sim.system.subDevice(id)->uid == uid) {
+                return sim.system.subDevice(id)->extraLatencyFrames;
+            }
+        }
+        return -1;
+    }
+};
+
+TEST_F(RuntimeLatency, WritesTheWholeDelayToTheMembersSubDevice)
+{
+    startSync(0, 40);
+    EXPECT_EQ(latencyOf("bt"), 1920.0);
+
+    sim.audio.setRuntimeLatency("bt", 150);
+    EXPECT_THAT(sim.printed.lines, ElementsAre("⏱️ Real-time latency set on bt: 150ms (7200.0 frames)"));
+    EXPECT_EQ(latencyOf("bt"), 7200.0);
+    EXPECT_EQ(latencyOf("spk"), 0.0);
+
+    const auto sub = std::to_string(sim.system.deviceWithUID(audio::stackedDeviceUID)->subDevices[1]);
+    EXPECT_THAT(sim.calls({"set"}), ElementsAre("set " + sub + " 'xltc' glob 0 [8] 7200.0 -> 0"));
+
+    sim.audio.setRuntimeLatency("bt", 20);
+    EXPECT_EQ(latencyOf("bt"), 960.0);
+}
+
+TEST_F(RuntimeLatency, ZeroDelayPrintsZeroFrames)
+{
+    startSync(0, 150);
+    sim.audio.setRuntimeLatency("bt", 0);
+    EXPECT_THAT(sim.printed.lines, ElementsAre("⏱️ Real-time latency set on bt: 0ms (0.0 frames)"));
+}
+
+TEST_F(RuntimeLatency, WithoutStackedDeviceNothingIsWrittenOrPrinted)
+{
+    sim.audio.setRuntimeLatency("bt", 150);
+    EXPECT_THAT(sim.printed.lines, IsEmpty());
+    EXPECT_THAT(sim.calls({"set"}), IsEmpty());
+}
+
+TEST_F(RuntimeLatency, ForANonMemberNothingHappens)
+{
+    sim.system.addDevice(outputDevice("Other", "other"));
+    startSync();
+    sim.audio.setRuntimeLatency("other", 150);
+    EXPECT_THAT(sim.printed.lines, IsEmpty());
+    EXPECT_THAT(sim.calls({"set"}), IsEmpty());
+}
+
+TEST_F(RuntimeLatency, UnreadableSubDeviceListIsSilent)
+{
+    startSync();
+    sim.system.addFailure(
+        std::nullopt,
+        {sim::CallKind::GetPropertyDataSize, hal::kAudioAggregateDevicePropertyActiveSubDeviceList, {}, {}, -1});
+    sim.audio.setRuntimeLatency("bt", 150);
+    EXPECT_THAT(sim.printed.lines, IsEmpty());
+    EXPECT_THAT(sim.calls({"set"}), IsEmpty());
+}
+
+TEST_F(RuntimeLatency, RefusedWriteIsReportedWithItsStatus)
+{
+    startSync();
+    sim.system.addFailure(std::nullopt,
+                          {sim::CallKind::SetPropertyData, hal::kAudioSubDevicePropertyExtraLatency, {}, {}, -50});
+    sim.audio.setRuntimeLatency("bt", 150);
+    EXPECT_THAT(sim.printed.lines,
+                ElementsAre("ℹ️ Runtime latency set failed (-50); will apply on next sync toggle."));
+    EXPECT_EQ(latencyOf("bt"), 0.0);
+}
+
+} // namespace
+} // namespace orvanta::testing
