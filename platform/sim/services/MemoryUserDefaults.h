@@ -1,0 +1,21 @@
+#pragma once
+
+// Settings kept in memory, for tests. Counts writes so tests can tell "stored" from "not stored".
+
+#include "services/UserDefaults.h"
+
+#include <QVariantMap>
+
+namespace orvanta::sim {
+
+class MemoryUserDefaults final : public platform::UserDefaults
+{
+public:
+    QVariant value(const QString& key) const override;
+    void setValue(const QString& key, const QVariant& value) override;
+
+    QVariantMap values;
+    int writes = 0;
+};
+
+} // namespace orvanta::sim
