@@ -56,8 +56,12 @@ QJsonValue plistToJson(const hal::PropertyList& value)
         }
         return array;
     }
+    const auto* entries = value.asDictionary();
+    if (!entries) {
+        return QJsonValue();
+    }
     QJsonObject object;
-    for (const auto& [key, entry] : *value.asDictionary()) {
+    for (const auto& [key, entry] : *entries) {
         object.insert(qs(key), plistToJson(entry));
     }
     return object;

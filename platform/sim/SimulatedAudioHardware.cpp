@@ -184,7 +184,7 @@ OSStatus SimulatedAudioHardware::createAggregateDevice(const PropertyList& descr
     if (!uid || !uid->asString() || uid->asString()->empty()) {
         return finish(record, kAudioHardwareIllegalOperationError);
     }
-    outDeviceID = buildAggregate(description);
+    outDeviceID = buildAggregate(*uid->asString(), description);
     record.createdID = outDeviceID;
     finish(record, noErr);
     changed();
@@ -443,13 +443,13 @@ OSStatus SimulatedAudioHardware::setDefaultOutput(AudioObjectID id)
     return noErr;
 }
 
-AudioObjectID SimulatedAudioHardware::buildAggregate(const PropertyList& description)
+AudioObjectID SimulatedAudioHardware::buildAggregate(const std::string& uid, const PropertyList& description)
 {
     SimDevice aggregate;
     aggregate.id = nextID++;
     aggregate.isAggregate = true;
     aggregate.composition = description;
-    aggregate.spec.uid = *description.find(kAudioAggregateDeviceUIDKey)->asString();
+    aggregate.spec.uid = uid;
     const auto* name = description.find(kAudioAggregateDeviceNameKey);
     aggregate.spec.name = name && name->asString() ? *name->asString() : std::string();
     aggregate.spec.transportType = kAudioDeviceTransportTypeAggregate;

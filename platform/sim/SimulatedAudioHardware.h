@@ -118,7 +118,7 @@ private:
 
     hal::OSStatus writeSlot(const Slot& slot, hal::UInt32 dataSize, const void* data);
     hal::OSStatus setDefaultOutput(hal::AudioObjectID id);
-    hal::AudioObjectID buildAggregate(const hal::PropertyList& description);
+    hal::AudioObjectID buildAggregate(const std::string& uid, const hal::PropertyList& description);
     void chooseDefaultOutputAfterRemoval(hal::AudioObjectID removed);
     void changed();
 
