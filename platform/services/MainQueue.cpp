@@ -1,0 +1,13 @@
+#include "MainQueue.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+namespace orvanta::platform {
+
+void postToMainQueue(std::function<void()> work)
+{
+    QTimer::singleShot(0, QCoreApplication::instance(), std::move(work));
+}
+
+} // namespace orvanta::platform

@@ -1,0 +1,11 @@
+#pragma once
+
+// Work handed to the main thread's event loop, to run after the current event is finished.
+
+#include <functional>
+
+namespace orvanta::platform {
+
+void postToMainQueue(std::function<void()> work);
+
+} // namespace orvanta::platform

@@ -1,0 +1,16 @@
+#include "SimAccessibilityTrust.h"
+
+namespace orvanta::sim {
+
+bool SimAccessibilityTrust::isProcessTrusted()
+{
+    ++queries;
+    return trusted;
+}
+
+void SimAccessibilityTrust::promptForTrust()
+{
+    ++prompts;
+}
+
+} // namespace orvanta::sim

@@ -1,0 +1,107 @@
+#include "AppState.h"
+
+#include "MediaKeyManager.h"
+#include "audio/AudioWrapper.h"
+#include "services/AccessibilityTrust.h"
+#include "services/LoginItems.h"
+#include "services/PlatformServices.h"
+
+#include <QPointer>
+
+namespace orvanta::state {
+
+AppState::AppState(AppStateServices appServices, QObject* parent) : QObject(parent), services(std::move(appServices))
+{
+    // The login item's status is the starting value, not a choice: nothing is registered here.
+    startsAtLogin = services.loginItems.status() == platform::LoginItems::Status::Enabled;
+    loadPersistedMaps();
+    setDevices(services.audio.getOutputDevices());
+    setTrusted(services.trust.isProcessTrusted());
+    startPermissionTimer();
+    installMediaKeyCallback();
+}
+
+AppState::~AppState() = default;
+
+AppState& AppState::shared()
+{
+    static AppState* const instance = [] {
+        auto& platform = platform::PlatformServices::current();
+        return new AppState({audio::AudioWrapper::shared(), *platform.userDefaults, *platform.loginItems,
+                             *platform.accessibilityTrust, MediaKeyManager::shared(), core::standardOutputLog()});
+    }();
+    return *instance;
+}
+
+void AppState::installMediaKeyCallback()
+{
+    QPointer<AppState> self(this);
+    services.mediaKeys.onMasterVolumeChange = [self](float step) {
+        if (self) {
+            self->adjustMasterVolume(step);
+        }
+    };
+}
+
+void AppState::setDevices(DeviceList value)
+{
+    deviceList = std::move(value);
+    emit devicesChanged();
+}
+
+void AppState::setSelectedDevice1(OptionalDevice value)
+{
+    primary = std::move(value);
+    emit selectedDevice1Changed();
+}
+
+void AppState::setSelectedDevice2(OptionalDevice value)
+{
+    secondary = std::move(value);
+    emit selectedDevice2Changed();
+}
+
+void AppState::setQuellonOn(bool value)
+{
+    syncOn = value;
+    emit isQuellonOnChanged();
+}
+
+void AppState::setVolume1(float value)
+{
+    primaryVolume = value;
+    emit volume1Changed();
+}
+
+void AppState::setVolume2(float value)
+{
+    secondaryVolume = value;
+    emit volume2Changed();
+}
+
+void AppState::setDelays(DelayMap value)
+{
+    delays = std::move(value);
+    emit bluetoothDelaysChanged();
+}
+
+void AppState::setOverrides(OverrideMap value)
+{
+    overrides = std::move(value);
+    emit manualBluetoothOverridesChanged();
+}
+
+void AppState::setTrusted(bool value)
+{
+    trusted = value;
+    emit isTrustedChanged();
+}
+
+void AppState::setLaunchAtLogin(bool value)
+{
+    startsAtLogin = value;
+    emit launchAtLoginChanged();
+    updateLaunchAtLogin();
+}
+
+} // namespace orvanta::state

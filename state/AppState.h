@@ -1,0 +1,156 @@
+#pragma once
+
+// The program's one observable state: the device list, the two selected devices, whether sync
+// is on, both volumes, the per-device delays and Bluetooth marks, accessibility trust and
+// launch at login. Views bind to its properties and change things only through it. Every
+// assignment to a property announces a change, also when the value is the same.
+
+#include "audio/AudioDeviceOption.h"
+#include "core/DiagnosticLog.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvanta::audio {
+class AudioWrapper;
+}
+namespace orvanta::platform {
+class AccessibilityTrust;
+class LoginItems;
+class UserDefaults;
+} // namespace orvanta::platform
+
+namespace orvanta::state {
+
+class MediaKeyManager;
+
+using DeviceList = std::vector<audio::AudioDeviceOption>;
+using OptionalDevice = std::optional<audio::AudioDeviceOption>;
+using DelayMap = std::map<std::string, int>;
+using OverrideMap = std::map<std::string, bool>;
+
+// What AppState works with; the shared instance takes the process's own.
+struct AppStateServices
+{
+    audio::AudioWrapper& audio;
+    platform::UserDefaults& userDefaults;
+    platform::LoginItems& loginItems;
+    platform::AccessibilityTrust& trust;
+    MediaKeyManager& mediaKeys;
+    core::DiagnosticLog log;
+};
+
+class AppState : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(orvanta::state::DeviceList devices READ devices WRITE setDevices NOTIFY devicesChanged)
+    Q_PROPERTY(orvanta::state::OptionalDevice selectedDevice1 READ selectedDevice1 WRITE setSelectedDevice1 NOTIFY
+                   selectedDevice1Changed)
+    Q_PROPERTY(orvanta::state::OptionalDevice selectedDevice2 READ selectedDevice2 WRITE setSelectedDevice2 NOTIFY
+                   selectedDevice2Changed)
+    Q_PROPERTY(bool isQuellonOn READ isQuellonOn NOTIFY isQuellonOnChanged)
+    Q_PROPERTY(float volume1 READ volume1 WRITE setVolume1 NOTIFY volume1Changed)
+    Q_PROPERTY(float volume2 READ volume2 WRITE setVolume2 NOTIFY volume2Changed)
+    Q_PROPERTY(orvanta::state::DelayMap bluetoothDelays READ bluetoothDelays NOTIFY bluetoothDelaysChanged)
+    Q_PROPERTY(orvanta::state::OverrideMap manualBluetoothOverrides READ manualBluetoothOverrides NOTIFY
+                   manualBluetoothOverridesChanged)
+    Q_PROPERTY(bool isTrusted READ isTrusted NOTIFY isTrustedChanged)
+    Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
+
+public:
+    static constexpr const char* kBluetoothDelaysKey = "bluetoothDelaysByUID";
+    static constexpr const char* kManualBTKey = "manualBluetoothByUID";
+    static constexpr int kMaxDelayMs = 600;
+    static constexpr std::chrono::milliseconds kPermissionPollInterval{1000};
+
+    explicit AppState(AppStateServices services, QObject* parent = nullptr);
+    ~AppState() override;
+
+    static AppState& shared();
+
+    // Sync.
+    bool canEnableSync() const;
+    void enableSync();
+    void disableSync();
+
+    // Volumes.
+    void applyVolumes();
+    void adjustMasterVolume(float delta);
+
+    // Per-device delays and Bluetooth marks.
+    int effectiveDelay(const OptionalDevice& device) const;
+    void setBluetoothDelay(int ms, const OptionalDevice& device);
+    void setManualBluetoothOverride(bool isOn, const OptionalDevice& device);
+
+    // Accessibility trust and launch at login.
+    void startPermissionTimer();
+    void updateLaunchAtLogin();
+
+    const DeviceList& devices() const { return deviceList; }
+    void setDevices(DeviceList value);
+    const OptionalDevice& selectedDevice1() const { return primary; }
+    void setSelectedDevice1(OptionalDevice value);
+    const OptionalDevice& selectedDevice2() const { return secondary; }
+    void setSelectedDevice2(OptionalDevice value);
+    bool isQuellonOn() const { return syncOn; }
+    float volume1() const { return primaryVolume; }
+    void setVolume1(float value);
+    float volume2() const { return secondaryVolume; }
+    void setVolume2(float value);
+    const DelayMap& bluetoothDelays() const { return delays; }
+    const OverrideMap& manualBluetoothOverrides() const { return overrides; }
+    bool isTrusted() const { return trusted; }
+    bool launchAtLogin() const { return startsAtLogin; }
+    void setLaunchAtLogin(bool value);
+
+signals:
+    void devicesChanged();
+    void selectedDevice1Changed();
+    void selectedDevice2Changed();
+    void isQuellonOnChanged();
+    void volume1Changed();
+    void volume2Changed();
+    void bluetoothDelaysChanged();
+    void manualBluetoothOverridesChanged();
+    void isTrustedChanged();
+    void launchAtLoginChanged();
+
+private:
+    void setQuellonOn(bool value);
+    void setTrusted(bool value);
+    void setDelays(DelayMap value);
+    void setOverrides(OverrideMap value);
+    void loadPersistedMaps();
+    void installMediaKeyCallback();
+    int delayEntry(const std::string& uid) const;
+    bool overrideEntry(const std::string& uid) const;
+
+    AppStateServices services;
+
+    DeviceList deviceList;
+    OptionalDevice primary;
+    OptionalDevice secondary;
+    bool syncOn = false;
+    float primaryVolume = 0.5f;
+    float secondaryVolume = 0.5f;
+    DelayMap delays;
+    OverrideMap overrides;
+    bool trusted = false;
+    bool startsAtLogin = false;
+    std::unique_ptr<QTimer> permissionTimer;
+};
+
+} // namespace orvanta::state
+
+Q_DECLARE_METATYPE(orvanta::state::DeviceList)
+Q_DECLARE_METATYPE(orvanta::state::OptionalDevice)
+Q_DECLARE_METATYPE(orvanta::state::DelayMap)
+Q_DECLARE_METATYPE(orvanta::state::OverrideMap)

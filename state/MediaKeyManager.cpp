@@ -1,0 +1,65 @@
+#include "MediaKeyManager.h"
+
+#include "services/MainQueue.h"
+#include "services/PlatformServices.h"
+
+namespace orvanta::state {
+
+MediaKeyManager::MediaKeyManager(platform::EventTap& eventTaps, core::DiagnosticLog diagnostics)
+    : taps(eventTaps), log(std::move(diagnostics))
+{}
+
+MediaKeyManager& MediaKeyManager::shared()
+{
+    static MediaKeyManager instance(*platform::PlatformServices::current().eventTap, core::standardOutputLog());
+    return instance;
+}
+
+void MediaKeyManager::start()
+{
+    if (eventTap) {
+        eventTap->setEnabled(true);
+        return;
+    }
+    auto port = taps.create(platform::kSystemDefinedEventMask,
+                            [this](const platform::TapEvent& event) { return handleEvent(event); });
+    if (!port) {
+        log("❌ Failed to create Event Tap. Check Accessibility Permissions.");
+        return;
+    }
+    eventTap = std::move(port);
+    eventTap->addToMainLoop();
+    eventTap->setEnabled(true);
+}
+
+std::optional<platform::TapEvent> MediaKeyManager::handleEvent(const platform::TapEvent& event)
+{
+    if (!event.readable || event.type != platform::kSystemDefinedEventType) {
+        return event;
+    }
+    if ((event.data1 & kKeyStateMask) != kKeyDown) {
+        return event;
+    }
+    const qint64 keyCode = (event.data1 >> 16) & 0xFFFF;
+    if (keyCode == kSoundUp) {
+        postStep(kStep);
+        return std::nullopt;
+    }
+    if (keyCode == kSoundDown) {
+        postStep(-kStep);
+        return std::nullopt;
+    }
+    return event;
+}
+
+void MediaKeyManager::postStep(float step)
+{
+    // The tap decides at once; the volume work, which reaches the audio layer, runs after it.
+    platform::postToMainQueue([this, step] {
+        if (onMasterVolumeChange) {
+            onMasterVolumeChange(step);
+        }
+    });
+}
+
+} // namespace orvanta::state

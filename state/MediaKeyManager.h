@@ -1,0 +1,50 @@
+#pragma once
+
+// Turns the keyboard's volume keys into volume steps. While its tap runs, a volume-up or
+// volume-down key-down is taken away from the rest of the desktop and becomes a step of
+// +/-0.0625 handed, on the main queue, to onMasterVolumeChange; every other event goes on.
+
+#include "core/DiagnosticLog.h"
+#include "services/EventTap.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace orvanta::state {
+
+class MediaKeyManager
+{
+public:
+    static constexpr float kStep = 0.0625f;
+    static constexpr qint64 kKeyStateMask = 0xFF00;
+    static constexpr qint64 kKeyDown = 0x0A00;
+    static constexpr qint64 kSoundUp = 0;
+    static constexpr qint64 kSoundDown = 1;
+
+    MediaKeyManager(platform::EventTap& taps, core::DiagnosticLog log);
+    MediaKeyManager(const MediaKeyManager&) = delete;
+    MediaKeyManager& operator=(const MediaKeyManager&) = delete;
+
+    static MediaKeyManager& shared();
+
+    // Creates, installs and enables the tap. A tap that already exists is enabled again and
+    // kept: a second tap would only see what the first one passed on.
+    void start();
+
+    // Gives the event to pass on, or nothing when it is dropped.
+    std::optional<platform::TapEvent> handleEvent(const platform::TapEvent& event);
+
+    bool hasTap() const { return eventTap != nullptr; }
+
+    std::function<void(float step)> onMasterVolumeChange;
+
+private:
+    void postStep(float step);
+
+    platform::EventTap& taps;
+    core::DiagnosticLog log;
+    std::unique_ptr<platform::EventTapPort> eventTap;
+};
+
+} // namespace orvanta::state

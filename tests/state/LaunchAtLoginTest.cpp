@@ -1,0 +1,132 @@
+#include "support/StateFixture.h"
+
+#include "XdgAutostartLoginItems.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvanta::testing {
+namespace {
+
+using Status = platform::LoginItems::Status;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class LaunchAtLogin : public ::testing::Test, protected StateFixture
+{};
+
+TEST_F(LaunchAtLogin, StartUpReadsTheStatusWithoutRegistering)
+{
+    loginItems.current = Status::Enabled;
+    EXPECT_TRUE(start().launchAtLogin());
+    loginItems.current = Status::RequiresApproval;
+    EXPECT_FALSE(start().launchAtLogin());
+    loginItems.current = Status::NotFound;
+    EXPECT_FALSE(start().launchAtLogin());
+    EXPECT_EQ(loginItems.registerCalls + loginItems.unregisterCalls, 0);
+}
+
+TEST_F(LaunchAtLogin, EveryAssignmentRegistersOrUnregistersAgain)
+{
+    loginItems.current = Status::RequiresApproval;
+    auto& app = start();
+    app.setLaunchAtLogin(true);
+    app.setLaunchAtLogin(true);
+    EXPECT_EQ(loginItems.registerCalls, 2);
+    app.setLaunchAtLogin(false);
+    app.setLaunchAtLogin(false);
+    EXPECT_EQ(loginItems.unregisterCalls, 2);
+    EXPECT_THAT(sim.printed.lines, IsEmpty());
+}
+
+TEST_F(LaunchAtLogin, FailureIsPrintedAndTheChoiceStays)
+{
+    loginItems.registerError = QStringLiteral("cannot write /ro/autostart/orvanta.desktop: Permission denied");
+    auto& app = start();
+    app.setLaunchAtLogin(true);
+    EXPECT_TRUE(app.launchAtLogin());
+    EXPECT_THAT(sim.printed.lines,
+                ElementsAre("Failed to update launch at login: cannot write /ro/autostart/orvanta.desktop: "
+                            "Permission denied"));
+}
+
+class XdgAutostart : public ::testing::Test
+{
+protected:
+    QTemporaryDir dir;
+    QString entry = dir.filePath("autostart/orvanta.desktop");
+    linux_platform::XdgAutostartLoginItems items{entry, "/opt/Orvanta Apps/bin/orvanta"};
+
+    QString entryText() const
+    {
+        QFile file(entry);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+};
+
+TEST_F(XdgAutostart, RegisterWritesAnEntryADesktopStartsAndUnregisterRemovesIt)
+{
+    EXPECT_EQ(items.status(), Status::NotRegistered);
+    ASSERT_EQ(items.registerItem(), std::nullopt);
+    EXPECT_EQ(items.status(), Status::Enabled);
+    const QString text = entryText();
+    EXPECT_TRUE(text.startsWith("[Desktop Entry]\n"));
+    EXPECT_TRUE(text.contains("\nType=Application\n"));
+    EXPECT_TRUE(text.contains("\nExec=\"/opt/Orvanta Apps/bin/orvanta\"\n")) << text.toStdString();
+    EXPECT_FALSE(text.contains("Hidden=true"));
+
+    ASSERT_EQ(items.unregisterItem(), std::nullopt);
+    EXPECT_FALSE(QFileInfo::exists(entry));
+    EXPECT_EQ(items.status(), Status::NotRegistered);
+    EXPECT_EQ(items.unregisterItem(), std::nullopt); // nothing left to remove is not a failure
+}
+
+TEST_F(XdgAutostart, AnEntryHiddenByTheDesktopCountsAsOff)
+{
+    QDir().mkpath(dir.filePath("autostart"));
+    QFile file(entry);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Desktop Entry]\nType=Application\nExec=orvanta\nHidden = true\n");
+    file.close();
+    EXPECT_EQ(items.status(), Status::NotRegistered);
+}
+
+TEST_F(XdgAutostart, ExecIsQuotedAndEscaped)
+{
+    EXPECT_EQ(linux_platform::desktopEntryExec("/usr/bin/orvanta"), "\"/usr/bin/orvanta\"");
+    EXPECT_EQ(linux_platform::desktopEntryExec("/a$b/\"c\""), "\"/a\\\\$b/\\\\\"c\\\\\"\"");
+}
+
+TEST_F(XdgAutostart, UnwritableFolderGivesAReadableError)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root writes to read-only folders";
+    }
+    QDir().mkpath(dir.filePath("autostart"));
+    ASSERT_EQ(chmod(QFile::encodeName(dir.filePath("autostart")).constData(), 0555), 0);
+    const auto error = items.registerItem();
+    ASSERT_TRUE(error.has_value());
+    EXPECT_TRUE(error->startsWith("cannot write " + entry)) << error->toStdString();
+}
+
+TEST_F(XdgAutostart, AFileInPlaceOfTheFolderGivesAReadableError)
+{
+    // Works as root too: nothing can create a folder where a file stands.
+    QFile blocker(dir.filePath("autostart"));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    const auto error = items.registerItem();
+    ASSERT_TRUE(error.has_value());
+    EXPECT_EQ(*error, "cannot create the folder " + dir.filePath("autostart"));
+}
+
+} // namespace
+} // namespace orvanta::testing
