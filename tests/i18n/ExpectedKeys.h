@@ -1,0 +1,79 @@
+#pragma once
+
+// The keys of the string tables as the interface is meant to have them: every key in table
+// order, whether the English table holds it, and whether the other 22 tables translate it.
+
+#include <QStringView>
+
+#include <array>
+
+namespace orvanta::testing {
+
+struct ExpectedKey
+{
+    QStringView key;
+    bool inEnglishTable;
+    bool translated;
+};
+
+inline constexpr std::array<ExpectedKey, 47> kExpectedKeys{{
+    {u"Audio Outputs", false, true},
+    {u"Refresh", false, true},
+    {u"Primary Speaker", false, true},
+    {u"Secondary Speaker", false, true},
+    {u"Select...", false, true},
+    {u"Enable Sync", false, true},
+    {u"Hardware Balance", false, true},
+    {u"Permission Required", false, true},
+    {u"Open System Settings", false, true},
+    {u"instruction_text", true, true},
+    {u"NOTES:", false, true},
+    {u"WARNING: Sound plays through SELECTED speakers even if headphones are plugged in.", false, true},
+    {u"• Keep app running to use volume keys.", false, true},
+    {u"• Volume keys adjust all speakers together.", false, true},
+    {u"Support the Developer", false, true},
+    {u"Check for Updates...", true, true},
+    {u"You are up to date!", true, true},
+    {u"Version %@ is the latest version.", true, true},
+    {u"New Version Available", true, true},
+    {u"Version %@ is available for download.", true, true},
+    {u"Download", true, true},
+    {u"Later", true, true},
+    {u"OK", true, true},
+    {u"Bluetooth Audio Latency", true, true},
+    {u"Bluetooth device detected: ", true, true},
+    {u"Open Main Window", true, true},
+    {u"Launch at Login", true, true},
+    {u"Quit", true, true},
+    {u"Select two different devices", true, true},
+    {u"Update Check Failed", true, true},
+    {u"Could not check for updates. Please try again later.", true, true},
+    {u"is Available", true, true},
+    {u"No Latency", true, true},
+    {u"Delay", true, true},
+    {u"Privacy Policy", true, true},
+    {u"Terms of Use", true, true},
+    {u"Bluetooth Delay", true, true},
+    {u"Treat as Bluetooth speaker", true, true},
+    {u"Reset", true, true},
+    {u"Decrease by %d ms", true, true},
+    {u"Increase by %d ms", true, true},
+    {u"Detect new devices", true, true},
+    {u"delay_note", true, true},
+    {u"Audio Sync Error", true, false},
+    {u"Failed to create audio sync. Error code: ", true, false},
+    {u"Volume Control Warning", true, false},
+    {u"Volume control not supported: ", true, false},
+}};
+
+// The two keys that are names rather than English texts.
+inline constexpr QStringView kInstructionKey = u"instruction_text";
+inline constexpr QStringView kDelayNoteKey = u"delay_note";
+
+inline constexpr QStringView kEnglishInstructions =
+    u"1. Click button below.\n2. Find 'Orvanta' in the list.\n3. Turn the switch ON.";
+inline constexpr QStringView kEnglishDelayNote =
+    u"Tip: Bluetooth delay can vary with distance from the speaker. Adjust the slider until both speakers sound in "
+    u"sync — your setting is saved automatically and reapplied next time.";
+
+} // namespace orvanta::testing
