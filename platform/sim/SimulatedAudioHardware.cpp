@@ -2,6 +2,7 @@
 
 #include "core/NumberFormat.h"
 #include "hal/PropertyTable.h"
+#include "hal/PropertyValue.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,20 +13,6 @@ namespace orvanta::sim {
 using namespace orvanta::hal;
 
 namespace {
-
-constexpr UInt32 kStringRefSize = sizeof(StringRef);
-
-UInt32 byteSize(const auto& value)
-{
-    using T = std::decay_t<decltype(value)>;
-    if constexpr (std::is_same_v<T, std::string>) {
-        return kStringRefSize;
-    } else if constexpr (std::is_same_v<T, std::vector<AudioObjectID>>) {
-        return static_cast<UInt32>(value.size() * sizeof(AudioObjectID));
-    } else {
-        return sizeof(T);
-    }
-}
 
 bool matches(const PropertyKey& key, const AudioObjectPropertyAddress& address)
 {
@@ -97,7 +84,7 @@ OSStatus SimulatedAudioHardware::getPropertyDataSize(AudioObjectID objectID, con
         return finish(record,
                       objectExists(objectID) ? kAudioHardwareUnknownPropertyError : kAudioHardwareBadObjectError);
     }
-    outDataSize = std::visit([](const auto& value) { return byteSize(value); }, slot->value);
+    outDataSize = propertyDataSize(slot->value);
     return finish(record, noErr);
 }
 
@@ -113,31 +100,7 @@ OSStatus SimulatedAudioHardware::getPropertyData(AudioObjectID objectID, const A
         return finish(record,
                       objectExists(objectID) ? kAudioHardwareUnknownPropertyError : kAudioHardwareBadObjectError);
     }
-    if (auto* ids = std::get_if<std::vector<AudioObjectID>>(&slot->value)) {
-        const std::size_t count = std::min<std::size_t>(ioDataSize / sizeof(AudioObjectID), ids->size());
-        if (count > 0) {
-            std::memcpy(outData, ids->data(), count * sizeof(AudioObjectID));
-        }
-        ioDataSize = static_cast<UInt32>(count * sizeof(AudioObjectID));
-        return finish(record, noErr);
-    }
-    const UInt32 needed = std::visit([](const auto& value) { return byteSize(value); }, slot->value);
-    if (ioDataSize < needed || !outData) {
-        return finish(record, kAudioHardwareBadPropertySizeError);
-    }
-    std::visit(
-        [outData](const auto& value) {
-            using T = std::decay_t<decltype(value)>;
-            if constexpr (std::is_same_v<T, std::string>) {
-                const StringRef ref = createStringRef(value);
-                std::memcpy(outData, &ref, sizeof ref);
-            } else if constexpr (!std::is_same_v<T, std::vector<AudioObjectID>>) {
-                std::memcpy(outData, &value, sizeof value);
-            }
-        },
-        slot->value);
-    ioDataSize = needed;
-    return finish(record, noErr);
+    return finish(record, copyPropertyData(slot->value, ioDataSize, outData));
 }
 
 OSStatus SimulatedAudioHardware::setPropertyData(AudioObjectID objectID, const AudioObjectPropertyAddress& address,

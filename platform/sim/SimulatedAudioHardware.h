@@ -9,6 +9,8 @@
 #include "CallRecord.h"
 #include "SimDeviceSpec.h"
 #include "hal/AudioHardware.h"
+#include "hal/PropertyValue.h"
+#include "hal/PropertyValue.h"
 
 #include <cstddef>
 #include <functional>
@@ -81,8 +83,7 @@ public:
     hal::AudioObjectID defaultOutputDevice() const { return defaultOutput; }
 
 private:
-    using SlotValue =
-        std::variant<std::string, hal::UInt32, hal::Float32, hal::Float64, std::vector<hal::AudioObjectID>>;
+    using SlotValue = hal::PropertyValue;
     using SlotWriter = std::function<hal::OSStatus(const SlotValue&)>;
     struct Slot
     {

@@ -1,0 +1,544 @@
+#include "PulseAudioHardware.h"
+
+#include "ModuleArguments.h"
+#include "PulseObjects.h"
+#include "hal/PropertyTable.h"
+#include "hal/PropertyValue.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace orvanta::pulse {
+
+using namespace orvanta::hal;
+
+namespace {
+
+constexpr double kFallbackRate = 48000.0;
+// A replaced loopback keeps playing until its successor has filled its own latency, so the
+// change leaves no gap; this margin covers the successor's start-up.
+constexpr int kHandOverMarginMs = 20;
+
+enum class Kind
+{
+    System,
+    Sink,
+    Source,
+    Loopback,
+    Unknown,
+};
+
+Kind kindOf(AudioObjectID id)
+{
+    if (id == kAudioObjectSystemObject) {
+        return Kind::System;
+    }
+    switch (id & ~PulseAudioHardware::kIndexMask) {
+    case PulseAudioHardware::kSinkBase:
+        return Kind::Sink;
+    case PulseAudioHardware::kSourceBase:
+        return Kind::Source;
+    case PulseAudioHardware::kLoopbackBase:
+        return Kind::Loopback;
+    default:
+        return Kind::Unknown;
+    }
+}
+
+std::uint32_t indexOf(AudioObjectID id)
+{
+    return id & PulseAudioHardware::kIndexMask;
+}
+
+bool matches(const PropertyKey& key, const AudioObjectPropertyAddress& address)
+{
+    return key.selector == address.mSelector && key.scope == address.mScope &&
+           address.mElement == kAudioObjectPropertyElementMain;
+}
+
+float levelOf(pa_volume_t volume)
+{
+    return static_cast<float>(static_cast<double>(volume) / PA_VOLUME_NORM);
+}
+
+pa_volume_t volumeOf(float level)
+{
+    return static_cast<pa_volume_t>(std::lround(static_cast<double>(level) * PA_VOLUME_NORM));
+}
+
+using ReadResult = std::variant<PropertyValue, OSStatus>;
+
+std::vector<AudioObjectID> deviceIDs(const PulseMirror& mirror)
+{
+    std::vector<AudioObjectID> ids;
+    for (const auto& [index, sink] : mirror.sinks) {
+        ids.push_back(PulseAudioHardware::kSinkBase | index);
+    }
+    for (const auto& [index, source] : mirror.sources) {
+        if (!source.isMonitor) {
+            ids.push_back(PulseAudioHardware::kSourceBase | index);
+        }
+    }
+    return ids;
+}
+
+ReadResult readSystem(const PulseMirror& mirror, const AudioObjectPropertyAddress& address)
+{
+    if (matches(kDevices, address)) {
+        return deviceIDs(mirror);
+    }
+    if (matches(kDefaultOutputDevice, address)) {
+        const auto* sink = sinkNamed(mirror, mirror.defaultSinkName);
+        return sink ? UInt32{PulseAudioHardware::kSinkBase | sink->index} : UInt32{kAudioObjectUnknown};
+    }
+    return kAudioHardwareUnknownPropertyError;
+}
+
+ReadResult readSink(const PulseMirror& mirror, const SinkRecord& sink, const AudioObjectPropertyAddress& address)
+{
+    const auto id = PulseAudioHardware::kSinkBase | sink.index;
+    if (address.mSelector == kAudioDevicePropertyStreams && address.mElement == kAudioObjectPropertyElementMain) {
+        return address.mScope == kAudioObjectPropertyScopeInput ? std::vector<AudioObjectID>{}
+                                                                : std::vector<AudioObjectID>{id};
+    }
+    if (kVolumeScalarOutput.selector == address.mSelector && kVolumeScalarOutput.scope == address.mScope &&
+        address.mElement >= 1 && address.mElement <= sink.volume.channels) {
+        return levelOf(sink.volume.values[address.mElement - 1]);
+    }
+    if (matches(kDeviceUID, address)) {
+        return sink.name;
+    }
+    if (matches(kName, address)) {
+        return sink.description;
+    }
+    if (matches(kTransportType, address)) {
+        return transportType(mirror, sink);
+    }
+    if (matches(kNominalSampleRate, address)) {
+        return static_cast<Float64>(sink.rate);
+    }
+    if (matches(kVirtualMainVolume, address)) {
+        return levelOf(pa_cvolume_max(&sink.volume));
+    }
+    if (matches(kActiveSubDeviceList, address) && isNullSink(mirror, sink)) {
+        std::vector<AudioObjectID> loopbacks;
+        for (const auto& loopback : loopbacksFrom(mirror, sink.name)) {
+            loopbacks.push_back(loopback.module); // module indices; read() turns them into object IDs
+        }
+        return loopbacks;
+    }
+    return kAudioHardwareUnknownPropertyError;
+}
+
+ReadResult readSource(const SourceRecord& source, const AudioObjectPropertyAddress& address)
+{
+    if (address.mSelector == kAudioDevicePropertyStreams && address.mElement == kAudioObjectPropertyElementMain) {
+        return address.mScope == kAudioObjectPropertyScopeOutput
+                   ? std::vector<AudioObjectID>{}
+                   : std::vector<AudioObjectID>{PulseAudioHardware::kSourceBase | source.index};
+    }
+    if (matches(kDeviceUID, address)) {
+        return source.name;
+    }
+    if (matches(kName, address)) {
+        return source.description;
+    }
+    if (matches(kTransportType, address)) {
+        return UInt32{kAudioDeviceTransportTypeUnknown};
+    }
+    if (matches(kNominalSampleRate, address)) {
+        return static_cast<Float64>(source.rate);
+    }
+    return kAudioHardwareUnknownPropertyError;
+}
+
+double rateOf(const PulseMirror& mirror, const std::string& sinkName)
+{
+    const auto* sink = sinkNamed(mirror, sinkName);
+    return sink && sink->rate > 0 ? static_cast<double>(sink->rate) : kFallbackRate;
+}
+
+std::string loopbackArguments(const std::string& stackedName, const std::string& member, int latencyMs)
+{
+    // Pinned to their source and sink: if the member goes away, its loopback goes with it
+    // instead of being moved to the default output, which is the stacked sink itself.
+    return formatModuleArguments({{"source", stackedName + ".monitor"},
+                                  {"sink", member},
+                                  {"latency_msec", std::to_string(latencyMs)},
+                                  {"source_dont_move", "true"},
+                                  {"sink_dont_move", "true"}});
+}
+
+// The stacked sink a loopback plays from: its source is that sink's monitor.
+std::string stackedNameOf(const Loopback& loopback)
+{
+    const std::string suffix = ".monitor";
+    return loopback.source.ends_with(suffix) ? loopback.source.substr(0, loopback.source.size() - suffix.size())
+                                             : loopback.source;
+}
+
+std::string nullSinkArguments(const std::string& sinkName, const std::string& label)
+{
+    return formatModuleArguments(
+        {{"sink_name", sinkName}, {"sink_properties", "device.description=\"" + label + "\""}});
+}
+
+struct Member
+{
+    std::string uid;
+    double frames = 0;
+};
+
+std::optional<std::vector<Member>> membersOf(const PropertyList& description)
+{
+    const auto* list = description.find(kAudioAggregateDeviceSubDeviceListKey);
+    if (!list) {
+        return std::vector<Member>{};
+    }
+    if (!list->asArray()) {
+        return std::nullopt;
+    }
+    std::vector<Member> members;
+    for (const auto& entry : *list->asArray()) {
+        const auto* uid = entry.find(kAudioSubDeviceUIDKey);
+        const auto* latency = entry.find(kAudioSubDeviceOutputLatencyKey);
+        if (!uid || !uid->asString()) {
+            return std::nullopt;
+        }
+        members.push_back({*uid->asString(),
+                           latency && latency->asInteger() ? static_cast<double>(latency->asInteger()->value) : 0.0});
+    }
+    return members;
+}
+
+} // namespace
+
+PulseAudioHardware::PulseAudioHardware(std::unique_ptr<PulseConnection> connection) : server(std::move(connection)) {}
+
+PulseAudioHardware::~PulseAudioHardware() = default;
+
+OSStatus PulseAudioHardware::writeFailure() const
+{
+    return server->state() == PulseConnection::State::Ready ? kAudioHardwareUnspecifiedError
+                                                            : kAudioHardwareNotRunningError;
+}
+
+AudioObjectID PulseAudioHardware::loopbackID(std::uint32_t module)
+{
+    const auto [it, added] = loopbackIDs.try_emplace(module, nextLoopbackID);
+    if (added) {
+        loopbackModules[nextLoopbackID++] = module;
+    }
+    return it->second;
+}
+
+std::optional<Loopback> PulseAudioHardware::loopbackFor(AudioObjectID objectID)
+{
+    const auto module = loopbackModules.find(objectID);
+    if (module == loopbackModules.end()) {
+        return std::nullopt;
+    }
+    return server->withMirror([&](const PulseMirror& mirror) -> std::optional<Loopback> {
+        const auto it = mirror.modules.find(module->second);
+        return it == mirror.modules.end() ? std::nullopt : loopbackOf(it->second);
+    });
+}
+
+std::variant<PropertyValue, OSStatus> PulseAudioHardware::read(AudioObjectID objectID,
+                                                               const AudioObjectPropertyAddress& address)
+{
+    if (kindOf(objectID) == Kind::Loopback) {
+        return readLoopback(objectID, address);
+    }
+    auto value = readDevice(objectID, address);
+    if (matches(kActiveSubDeviceList, address) && std::holds_alternative<PropertyValue>(value)) {
+        for (auto& module : std::get<std::vector<AudioObjectID>>(std::get<PropertyValue>(value))) {
+            module = loopbackID(module);
+        }
+    }
+    return value;
+}
+
+std::variant<PropertyValue, OSStatus> PulseAudioHardware::readLoopback(AudioObjectID objectID,
+                                                                       const AudioObjectPropertyAddress& address)
+{
+    const auto loopback = loopbackFor(objectID);
+    if (!loopback) {
+        return kAudioHardwareBadObjectError;
+    }
+    if (matches(kDeviceUID, address)) {
+        return PropertyValue{loopback->sink};
+    }
+    if (!matches(kExtraLatency, address)) {
+        return kAudioHardwareUnknownPropertyError;
+    }
+    // Declared latencies may have to be worked out from the running loopbacks first.
+    const auto declared = declaredLatencies(stackedNameOf(*loopback));
+    const auto it = declared.find(loopback->sink);
+    const double ms = it == declared.end() ? 0.0 : it->second;
+    const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, loopback->sink); });
+    return static_cast<Float64>(std::round(ms * rate / 1000.0));
+}
+
+std::variant<PropertyValue, OSStatus> PulseAudioHardware::readDevice(AudioObjectID objectID,
+                                                                     const AudioObjectPropertyAddress& address)
+{
+    return server->withMirror([&](const PulseMirror& mirror) -> std::variant<PropertyValue, OSStatus> {
+        switch (kindOf(objectID)) {
+        case Kind::System:
+            return readSystem(mirror, address);
+        case Kind::Sink:
+            if (const auto it = mirror.sinks.find(indexOf(objectID)); it != mirror.sinks.end()) {
+                return readSink(mirror, it->second, address);
+            }
+            break;
+        case Kind::Source:
+            if (const auto it = mirror.sources.find(indexOf(objectID)); it != mirror.sources.end()) {
+                return readSource(it->second, address);
+            }
+            break;
+        case Kind::Loopback:
+        case Kind::Unknown:
+            break;
+        }
+        return kAudioHardwareBadObjectError;
+    });
+}
+
+OSStatus PulseAudioHardware::getPropertyDataSize(AudioObjectID objectID, const AudioObjectPropertyAddress& address,
+                                                 UInt32, const void*, UInt32& outDataSize)
+{
+    const auto value = read(objectID, address);
+    if (const auto* status = std::get_if<OSStatus>(&value)) {
+        return *status;
+    }
+    outDataSize = propertyDataSize(std::get<PropertyValue>(value));
+    return noErr;
+}
+
+OSStatus PulseAudioHardware::getPropertyData(AudioObjectID objectID, const AudioObjectPropertyAddress& address, UInt32,
+                                             const void*, UInt32& ioDataSize, void* outData)
+{
+    const auto value = read(objectID, address);
+    if (const auto* status = std::get_if<OSStatus>(&value)) {
+        return *status;
+    }
+    return copyPropertyData(std::get<PropertyValue>(value), ioDataSize, outData);
+}
+
+bool PulseAudioHardware::hasProperty(AudioObjectID objectID, const AudioObjectPropertyAddress& address)
+{
+    return std::holds_alternative<PropertyValue>(read(objectID, address));
+}
+
+OSStatus PulseAudioHardware::setPropertyData(AudioObjectID objectID, const AudioObjectPropertyAddress& address, UInt32,
+                                             const void*, UInt32 dataSize, const void* data)
+{
+    const auto current = read(objectID, address);
+    if (const auto* status = std::get_if<OSStatus>(&current)) {
+        return *status;
+    }
+    if (dataSize != propertyDataSize(std::get<PropertyValue>(current)) || !data) {
+        return kAudioHardwareBadPropertySizeError;
+    }
+    if (kindOf(objectID) == Kind::System && matches(kDefaultOutputDevice, address)) {
+        UInt32 device = 0;
+        std::memcpy(&device, data, sizeof device);
+        return setDefaultOutput(device);
+    }
+    if (kindOf(objectID) == Kind::Sink &&
+        (matches(kVirtualMainVolume, address) || address.mSelector == kAudioDevicePropertyVolumeScalar)) {
+        Float32 level = 0;
+        std::memcpy(&level, data, sizeof level);
+        return setSinkVolume(objectID, address.mElement, level);
+    }
+    if (kindOf(objectID) == Kind::Loopback && matches(kExtraLatency, address)) {
+        Float64 frames = 0;
+        std::memcpy(&frames, data, sizeof frames);
+        return setExtraLatency(objectID, frames);
+    }
+    return kAudioHardwareIllegalOperationError;
+}
+
+OSStatus PulseAudioHardware::setDefaultOutput(AudioObjectID deviceID)
+{
+    const auto name = server->withMirror([&](const PulseMirror& mirror) -> std::optional<std::string> {
+        const auto it = mirror.sinks.find(indexOf(deviceID));
+        if (kindOf(deviceID) != Kind::Sink || it == mirror.sinks.end()) {
+            return std::nullopt;
+        }
+        return it->second.name;
+    });
+    if (!name) {
+        return kAudioHardwareBadDeviceError;
+    }
+    return server->setDefaultSink(*name) ? noErr : writeFailure();
+}
+
+OSStatus PulseAudioHardware::setSinkVolume(AudioObjectID sinkID, AudioObjectPropertyElement element, float level)
+{
+    const auto volume = server->withMirror([&](const PulseMirror& mirror) -> std::optional<pa_cvolume> {
+        const auto it = mirror.sinks.find(indexOf(sinkID));
+        if (it == mirror.sinks.end()) {
+            return std::nullopt;
+        }
+        pa_cvolume result = it->second.volume;
+        if (element == kAudioObjectPropertyElementMain) {
+            pa_cvolume_set(&result, result.channels, volumeOf(level));
+        } else {
+            result.values[element - 1] = volumeOf(level);
+        }
+        return result;
+    });
+    if (!volume) {
+        return kAudioHardwareBadObjectError;
+    }
+    return server->setSinkVolume(indexOf(sinkID), *volume) ? noErr : writeFailure();
+}
+
+// ---- the stacked device ----
+
+OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& description, AudioObjectID& outDeviceID)
+{
+    const auto* uid = description.find(kAudioAggregateDeviceUIDKey);
+    const auto* name = description.find(kAudioAggregateDeviceNameKey);
+    const auto members = membersOf(description);
+    if (!uid || !uid->asString() || uid->asString()->empty() || !members) {
+        return kAudioHardwareIllegalOperationError;
+    }
+    const std::string& sinkName = *uid->asString();
+    const std::string label = name && name->asString() ? *name->asString() : sinkName;
+    const auto module = server->loadModule(kNullSinkModule, nullSinkArguments(sinkName, label));
+    if (!module || !server->refreshSink(sinkName)) {
+        return writeFailure();
+    }
+    const auto sinkIndex = server->withMirror([&](const PulseMirror& mirror) {
+        const auto* sink = sinkNamed(mirror, sinkName);
+        return sink ? sink->index : PA_INVALID_INDEX;
+    });
+    if (sinkIndex == PA_INVALID_INDEX) {
+        return writeFailure();
+    }
+
+    DeclaredLatencies declared;
+    for (const auto& member : *members) {
+        const bool present =
+            server->withMirror([&](const PulseMirror& mirror) { return sinkNamed(mirror, member.uid) != nullptr; });
+        // An absent member stays in the composition without a loopback, like an inactive
+        // sub-device, and holds no one back.
+        const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, member.uid); });
+        declared[member.uid] = member.frames * 1000.0 / rate;
+        if (!present) {
+            declared.erase(member.uid);
+        }
+    }
+    const auto plan = loopbackLatencies(declared);
+    for (const auto& member : *members) {
+        if (const auto it = plan.find(member.uid); it != plan.end()) {
+            server->loadModule(kLoopbackModule, loopbackArguments(sinkName, member.uid, it->second));
+        }
+    }
+    declaredByStacked[sinkName] = declared;
+    labels[sinkName] = label;
+    updateRestorePlan(sinkName);
+    outDeviceID = kSinkBase | sinkIndex;
+    return noErr;
+}
+
+OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
+{
+    struct Target
+    {
+        std::string name;
+        std::uint32_t ownerModule;
+        std::vector<Loopback> loopbacks;
+    };
+    const auto target = server->withMirror([&](const PulseMirror& mirror) -> std::variant<Target, OSStatus> {
+        const auto it = mirror.sinks.find(indexOf(deviceID));
+        if (kindOf(deviceID) != Kind::Sink || it == mirror.sinks.end()) {
+            return kAudioHardwareBadObjectError;
+        }
+        if (!isNullSink(mirror, it->second)) {
+            return kAudioHardwareIllegalOperationError;
+        }
+        return Target{it->second.name, it->second.ownerModule, loopbacksFrom(mirror, it->second.name)};
+    });
+    if (const auto* status = std::get_if<OSStatus>(&target)) {
+        return *status;
+    }
+    const auto& [name, ownerModule, loopbacks] = std::get<Target>(target);
+    for (const auto& loopback : loopbacks) {
+        server->unloadModule(loopback.module);
+    }
+    declaredByStacked.erase(name);
+    labels.erase(name);
+    server->setRestorePlan({});
+    return server->unloadModule(ownerModule) ? noErr : writeFailure();
+}
+
+DeclaredLatencies PulseAudioHardware::declaredLatencies(const std::string& stackedName)
+{
+    if (const auto it = declaredByStacked.find(stackedName); it != declaredByStacked.end()) {
+        return it->second;
+    }
+    // Made by an earlier run: what the running loopbacks stand for.
+    LoopbackLatencies running;
+    server->withMirror([&](const PulseMirror& mirror) {
+        for (const auto& loopback : loopbacksFrom(mirror, stackedName)) {
+            running[loopback.sink] = loopback.latencyMs;
+        }
+        return 0;
+    });
+    return declaredFromLoopbacks(running);
+}
+
+OSStatus PulseAudioHardware::setExtraLatency(AudioObjectID loopbackObject, double frames)
+{
+    const auto loopback = loopbackFor(loopbackObject);
+    if (!loopback) {
+        return kAudioHardwareBadObjectError;
+    }
+    const std::string stacked = stackedNameOf(*loopback);
+    auto declared = declaredLatencies(stacked);
+    const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, loopback->sink); });
+    declared[loopback->sink] = frames * 1000.0 / rate;
+    return retime(stacked, declared);
+}
+
+// Every member whose loopback latency changes gets a new loopback first; the old one is
+// unloaded once the new one plays, so the sound never stops.
+OSStatus PulseAudioHardware::retime(const std::string& stackedName, const DeclaredLatencies& declared)
+{
+    const auto plan = loopbackLatencies(declared);
+    const auto running =
+        server->withMirror([&](const PulseMirror& mirror) { return loopbacksFrom(mirror, stackedName); });
+    for (const auto& loopback : running) {
+        const auto it = plan.find(loopback.sink);
+        if (it == plan.end() || it->second == loopback.latencyMs) {
+            continue;
+        }
+        if (!server->loadModule(kLoopbackModule, loopbackArguments(stackedName, loopback.sink, it->second))) {
+            return writeFailure();
+        }
+        server->unloadModuleLater(loopback.module, std::chrono::milliseconds(it->second + kHandOverMarginMs));
+    }
+    declaredByStacked[stackedName] = declared;
+    updateRestorePlan(stackedName);
+    return noErr;
+}
+
+// Should the server restart while the stacked device plays, it is rebuilt as it is now.
+void PulseAudioHardware::updateRestorePlan(const std::string& stackedName)
+{
+    const auto label = labels.find(stackedName);
+    PulseConnection::RestorePlan plan;
+    plan.modules.emplace_back(kNullSinkModule,
+                              nullSinkArguments(stackedName, label == labels.end() ? stackedName : label->second));
+    for (const auto& [member, latencyMs] : loopbackLatencies(declaredByStacked[stackedName])) {
+        plan.modules.emplace_back(kLoopbackModule, loopbackArguments(stackedName, member, latencyMs));
+    }
+    plan.defaultSink = stackedName;
+    server->setRestorePlan(std::move(plan));
+}
+
+} // namespace orvanta::pulse

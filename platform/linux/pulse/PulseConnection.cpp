@@ -1,0 +1,506 @@
+#include "PulseConnection.h"
+
+#include "PulseObjects.h"
+
+#include <sys/time.h>
+
+#include <memory>
+#include <vector>
+
+namespace orvanta::pulse {
+
+// One write waiting for the server. The callback and the waiting thread meet here; the
+// callback runs on the connection's thread with the loop's lock held.
+struct PulseConnection::Pending
+{
+    std::mutex mutex;
+    std::condition_variable finished;
+    bool done = false;
+    bool success = false;
+    std::uint32_t index = PA_INVALID_INDEX;
+
+    void complete(bool ok, std::uint32_t resultIndex = PA_INVALID_INDEX)
+    {
+        std::lock_guard lock(mutex);
+        done = true;
+        success = ok;
+        index = resultIndex;
+        finished.notify_all();
+    }
+};
+
+struct PulseConnection::CallbackData
+{
+    explicit CallbackData(std::shared_ptr<Pending> waiting) : pending(std::move(waiting)) {}
+    virtual ~CallbackData() = default;
+    std::shared_ptr<Pending> pending; // keeps the Pending alive for the callback
+};
+
+// ---- lifetime ----
+
+PulseConnection::PulseConnection(std::string name) : clientName(std::move(name))
+{
+    loop = pa_threaded_mainloop_new();
+    pa_threaded_mainloop_lock(loop);
+    connectContext();
+    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_start(loop);
+}
+
+PulseConnection::~PulseConnection()
+{
+    pa_threaded_mainloop_lock(loop);
+    if (reconnectTimer) {
+        pa_threaded_mainloop_get_api(loop)->time_free(reconnectTimer);
+        reconnectTimer = nullptr;
+    }
+    dropContext();
+    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_stop(loop);
+    pa_threaded_mainloop_free(loop);
+}
+
+void PulseConnection::connectContext()
+{
+    pa_proplist* properties = pa_proplist_new();
+    pa_proplist_sets(properties, PA_PROP_APPLICATION_NAME, clientName.c_str());
+    pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, "orvanta");
+    context = pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop), clientName.c_str(), properties);
+    pa_proplist_free(properties);
+    pa_context_set_state_callback(context, &PulseConnection::onContextState, this);
+    setState(State::Connecting);
+    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
+        setState(State::Disconnected);
+        scheduleReconnect();
+    }
+}
+
+// Clears callbacks first, then disconnects, then lets go: nothing calls back into a dead object.
+void PulseConnection::dropContext()
+{
+    if (!context) {
+        return;
+    }
+    pa_context_set_state_callback(context, nullptr, nullptr);
+    pa_context_set_subscribe_callback(context, nullptr, nullptr);
+    pa_context_disconnect(context);
+    pa_context_unref(context);
+    context = nullptr;
+    mirror.clear();
+}
+
+void PulseConnection::scheduleReconnect()
+{
+    if (reconnectTimer) {
+        return;
+    }
+    timeval when{};
+    gettimeofday(&when, nullptr);
+    pa_timeval_add(&when, static_cast<pa_usec_t>(kReconnectDelay.count()) * PA_USEC_PER_MSEC);
+    reconnectTimer = pa_threaded_mainloop_get_api(loop)->time_new(pa_threaded_mainloop_get_api(loop), &when,
+                                                                  &PulseConnection::onReconnectTimer, this);
+}
+
+void PulseConnection::onReconnectTimer(pa_mainloop_api* api, pa_time_event* event, const timeval*, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    api->time_free(event);
+    connection->reconnectTimer = nullptr;
+    connection->dropContext();
+    connection->connectContext();
+}
+
+// ---- state ----
+
+void PulseConnection::setState(State newState)
+{
+    std::lock_guard lock(stateMutex);
+    currentState = newState;
+    stateChanged.notify_all();
+}
+
+PulseConnection::State PulseConnection::state() const
+{
+    std::lock_guard lock(stateMutex);
+    return currentState;
+}
+
+bool PulseConnection::waitUntilReady(std::chrono::milliseconds bound)
+{
+    std::unique_lock lock(stateMutex);
+    return stateChanged.wait_for(lock, bound, [this] { return currentState == State::Ready; });
+}
+
+void PulseConnection::setRestorePlan(RestorePlan plan)
+{
+    pa_threaded_mainloop_lock(loop);
+    restorePlan = std::move(plan);
+    pa_threaded_mainloop_unlock(loop);
+}
+
+// A restarted server has lost the modules we loaded; load them again, in their order, and make
+// their sink the default again, unless an earlier instance of them is still there.
+void PulseConnection::restore()
+{
+    if (restorePlan.modules.empty() || sinkNamed(mirror, restorePlan.defaultSink)) {
+        return;
+    }
+    for (const auto& [name, arguments] : restorePlan.modules) {
+        loadModuleAsync(name, arguments);
+    }
+    if (auto* op = pa_context_set_default_sink(context, restorePlan.defaultSink.c_str(), nullptr, nullptr)) {
+        pa_operation_unref(op);
+    }
+}
+
+void PulseConnection::onContextState(pa_context* context, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    switch (pa_context_get_state(context)) {
+    case PA_CONTEXT_READY:
+        connection->requestInitialState();
+        break;
+    case PA_CONTEXT_FAILED:
+    case PA_CONTEXT_TERMINATED:
+        // Everything the server had is gone with it; reads now see no devices.
+        connection->mirror.clear();
+        connection->setState(State::Disconnected);
+        connection->scheduleReconnect();
+        break;
+    default:
+        break;
+    }
+}
+
+void PulseConnection::requestInitialState()
+{
+    pa_context_set_subscribe_callback(context, &PulseConnection::onSubscription, this);
+    const auto mask = static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SOURCE |
+                                                          PA_SUBSCRIPTION_MASK_MODULE | PA_SUBSCRIPTION_MASK_SERVER);
+    if (auto* op = pa_context_subscribe(context, mask, nullptr, nullptr)) {
+        pa_operation_unref(op);
+    }
+    initialRequests = 4;
+    const auto request = [this](pa_operation* op) {
+        if (op) {
+            pa_operation_unref(op);
+        } else {
+            finishInitialRequest();
+        }
+    };
+    request(pa_context_get_sink_info_list(context, &PulseConnection::onSinkInfo, this));
+    request(pa_context_get_source_info_list(context, &PulseConnection::onSourceInfo, this));
+    request(pa_context_get_module_info_list(context, &PulseConnection::onModuleInfo, this));
+    request(pa_context_get_server_info(context, &PulseConnection::onServerInfo, this));
+}
+
+void PulseConnection::finishInitialRequest()
+{
+    if (initialRequests == 0 || --initialRequests > 0) {
+        return;
+    }
+    const bool reconnected = everReady;
+    everReady = true;
+    setState(State::Ready);
+    if (reconnected) {
+        restore();
+    }
+}
+
+// ---- the mirror ----
+
+void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_type_t type, std::uint32_t index,
+                                     void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    const auto facility = type & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
+    const bool removed = (type & PA_SUBSCRIPTION_EVENT_TYPE_MASK) == PA_SUBSCRIPTION_EVENT_REMOVE;
+    pa_operation* op = nullptr;
+    switch (facility) {
+    case PA_SUBSCRIPTION_EVENT_SINK:
+        if (removed) {
+            connection->mirror.removeSink(index);
+        } else {
+            op = pa_context_get_sink_info_by_index(context, index, &PulseConnection::onSinkInfo, self);
+        }
+        break;
+    case PA_SUBSCRIPTION_EVENT_SOURCE:
+        if (removed) {
+            connection->mirror.removeSource(index);
+        } else {
+            op = pa_context_get_source_info_by_index(context, index, &PulseConnection::onSourceInfo, self);
+        }
+        break;
+    case PA_SUBSCRIPTION_EVENT_MODULE:
+        if (removed) {
+            connection->mirror.removeModule(index);
+        } else {
+            op = pa_context_get_module_info(context, index, &PulseConnection::onModuleInfo, self);
+        }
+        break;
+    case PA_SUBSCRIPTION_EVENT_SERVER:
+        op = pa_context_get_server_info(context, &PulseConnection::onServerInfo, self);
+        break;
+    default:
+        break;
+    }
+    if (op) {
+        pa_operation_unref(op);
+    }
+}
+
+void PulseConnection::onSinkInfo(pa_context*, const pa_sink_info* info, int eol, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    if (info) {
+        connection->mirror.update(*info);
+    } else if (eol != 0) {
+        connection->finishInitialRequest();
+    }
+}
+
+void PulseConnection::onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    if (info) {
+        connection->mirror.update(*info);
+    } else if (eol != 0) {
+        connection->finishInitialRequest();
+    }
+}
+
+void PulseConnection::onModuleInfo(pa_context*, const pa_module_info* info, int eol, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    if (info) {
+        connection->mirror.update(*info);
+    } else if (eol != 0) {
+        connection->finishInitialRequest();
+    }
+}
+
+void PulseConnection::onServerInfo(pa_context*, const pa_server_info* info, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    if (info && info->default_sink_name) {
+        connection->mirror.defaultSinkName = info->default_sink_name;
+    }
+    connection->finishInitialRequest();
+}
+
+// ---- writes that wait ----
+
+bool PulseConnection::run(const Start& start, Pending& pending, CallbackData* userdata)
+{
+    pa_threaded_mainloop_lock(loop);
+    pa_operation* op = state() == State::Ready && context ? start(context, userdata) : nullptr;
+    pa_threaded_mainloop_unlock(loop);
+    if (!op) {
+        delete userdata;
+        return false;
+    }
+    const auto deadline = std::chrono::steady_clock::now() + kWriteBound;
+    {
+        std::unique_lock lock(pending.mutex);
+        // Short slices, so a server that goes away ends the wait at once instead of at the bound.
+        while (!pending.done && std::chrono::steady_clock::now() < deadline && state() == State::Ready) {
+            pending.finished.wait_for(lock, std::chrono::milliseconds(20));
+        }
+    }
+    pa_threaded_mainloop_lock(loop);
+    std::unique_lock lock(pending.mutex);
+    if (!pending.done) {
+        // A cancelled operation never calls back: free what the callback would have freed.
+        pa_operation_cancel(op);
+        delete userdata;
+    }
+    const bool success = pending.done && pending.success;
+    lock.unlock();
+    pa_operation_unref(op);
+    pa_threaded_mainloop_unlock(loop);
+    return success;
+}
+
+namespace {
+
+using CallbackData = PulseConnection::CallbackData;
+
+void successCallback(pa_context*, int success, void* userdata)
+{
+    auto* call = static_cast<CallbackData*>(userdata);
+    call->pending->complete(success != 0);
+    delete call;
+}
+
+void indexCallback(pa_context*, std::uint32_t index, void* userdata)
+{
+    auto* call = static_cast<CallbackData*>(userdata);
+    call->pending->complete(index != PA_INVALID_INDEX, index);
+    delete call;
+}
+
+} // namespace
+
+std::optional<std::uint32_t> PulseConnection::loadModule(const std::string& name, const std::string& arguments)
+{
+    auto pending = std::make_shared<Pending>();
+    auto* call = new CallbackData(pending);
+    const bool ok = run(
+        [&](pa_context* ctx, void* userdata) {
+            return pa_context_load_module(ctx, name.c_str(), arguments.c_str(), indexCallback, userdata);
+        },
+        *pending, call);
+    if (!ok) {
+        return std::nullopt;
+    }
+    pa_threaded_mainloop_lock(loop);
+    mirror.addModule({pending->index, name, arguments});
+    pa_threaded_mainloop_unlock(loop);
+    return pending->index;
+}
+
+bool PulseConnection::unloadModule(std::uint32_t index)
+{
+    auto pending = std::make_shared<Pending>();
+    auto* call = new CallbackData(pending);
+    const bool ok = run([&](pa_context* ctx,
+                            void* userdata) { return pa_context_unload_module(ctx, index, successCallback, userdata); },
+                        *pending, call);
+    if (ok) {
+        // Forget the module and the sink it made now, not when the server's announcement arrives.
+        pa_threaded_mainloop_lock(loop);
+        mirror.removeModule(index);
+        std::vector<std::uint32_t> ownedSinks;
+        for (const auto& [sinkIndex, sink] : mirror.sinks) {
+            if (sink.ownerModule == index) {
+                ownedSinks.push_back(sinkIndex);
+            }
+        }
+        for (const auto sinkIndex : ownedSinks) {
+            mirror.removeSink(sinkIndex);
+        }
+        pa_threaded_mainloop_unlock(loop);
+    }
+    return ok;
+}
+
+bool PulseConnection::setSinkVolume(std::uint32_t sinkIndex, const pa_cvolume& volume)
+{
+    auto pending = std::make_shared<Pending>();
+    auto* call = new CallbackData(pending);
+    const bool ok = run(
+        [&](pa_context* ctx, void* userdata) {
+            return pa_context_set_sink_volume_by_index(ctx, sinkIndex, &volume, successCallback, userdata);
+        },
+        *pending, call);
+    if (ok) {
+        pa_threaded_mainloop_lock(loop);
+        if (auto it = mirror.sinks.find(sinkIndex); it != mirror.sinks.end()) {
+            it->second.volume = volume;
+        }
+        pa_threaded_mainloop_unlock(loop);
+    }
+    return ok;
+}
+
+bool PulseConnection::setDefaultSink(const std::string& sinkName)
+{
+    auto pending = std::make_shared<Pending>();
+    auto* call = new CallbackData(pending);
+    const bool ok = run(
+        [&](pa_context* ctx, void* userdata) {
+            return pa_context_set_default_sink(ctx, sinkName.c_str(), successCallback, userdata);
+        },
+        *pending, call);
+    if (ok) {
+        pa_threaded_mainloop_lock(loop);
+        mirror.defaultSinkName = sinkName;
+        pa_threaded_mainloop_unlock(loop);
+    }
+    return ok;
+}
+
+namespace {
+
+struct SinkFetch final : CallbackData
+{
+    SinkFetch(std::shared_ptr<PulseConnection::Pending> waiting, PulseMirror& target)
+        : CallbackData(std::move(waiting)), mirror(target)
+    {}
+    PulseMirror& mirror;
+    bool found = false;
+};
+
+void sinkFetchCallback(pa_context*, const pa_sink_info* info, int eol, void* userdata)
+{
+    auto* fetch = static_cast<SinkFetch*>(static_cast<CallbackData*>(userdata));
+    if (info) {
+        fetch->mirror.update(*info);
+        fetch->found = true;
+        return;
+    }
+    fetch->pending->complete(eol > 0 && fetch->found);
+    delete fetch;
+}
+
+} // namespace
+
+bool PulseConnection::refreshSink(const std::string& sinkName)
+{
+    auto pending = std::make_shared<Pending>();
+    CallbackData* fetch = new SinkFetch(pending, mirror);
+    return run(
+        [&](pa_context* ctx, void* userdata) {
+            return pa_context_get_sink_info_by_name(ctx, sinkName.c_str(), sinkFetchCallback, userdata);
+        },
+        *pending, fetch);
+}
+
+// ---- writes that do not wait ----
+
+namespace {
+
+struct DelayedUnload
+{
+    PulseConnection* connection;
+    pa_context* context;
+    std::uint32_t index;
+};
+
+} // namespace
+
+void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay)
+{
+    pa_threaded_mainloop_lock(loop);
+    mirror.retiringModules.insert(index);
+    if (context) {
+        timeval when{};
+        gettimeofday(&when, nullptr);
+        pa_timeval_add(&when, static_cast<pa_usec_t>(delay.count()) * PA_USEC_PER_MSEC);
+        auto* api = pa_threaded_mainloop_get_api(loop);
+        api->time_new(
+            api, &when,
+            [](pa_mainloop_api* timerApi, pa_time_event* event, const timeval*, void* userdata) {
+                auto* unload = static_cast<DelayedUnload*>(userdata);
+                // Only on the connection the module was loaded on: a restarted server has its own.
+                if (unload->connection->context == unload->context && unload->connection->state() == State::Ready) {
+                    if (auto* op = pa_context_unload_module(unload->context, unload->index, nullptr, nullptr)) {
+                        pa_operation_unref(op);
+                    }
+                }
+                timerApi->time_free(event);
+                delete unload;
+            },
+            new DelayedUnload{this, context, index});
+    }
+    pa_threaded_mainloop_unlock(loop);
+}
+
+void PulseConnection::loadModuleAsync(const std::string& name, const std::string& arguments)
+{
+    if (auto* op = pa_context_load_module(context, name.c_str(), arguments.c_str(), nullptr, nullptr)) {
+        pa_operation_unref(op);
+    }
+}
+
+} // namespace orvanta::pulse

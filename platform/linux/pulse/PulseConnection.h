@@ -1,0 +1,115 @@
+#pragma once
+
+// One client connection to the sound server (PulseAudio, or PipeWire's pulse server), run on
+// libpulse's own thread. It mirrors sinks, sources, modules and the default sink by
+// subscription, reconnects on its own when the server goes away and comes back, and offers
+// the few writes the program needs as calls that wait for the server's answer, with a bound.
+// Nothing here blocks longer than that bound, and a server that is gone answers at once.
+
+#include "PulseMirror.h"
+
+#include <pulse/pulseaudio.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvanta::pulse {
+
+class PulseConnection
+{
+public:
+    enum class State
+    {
+        Connecting,
+        Ready,
+        Disconnected,
+    };
+
+    static constexpr std::chrono::milliseconds kWriteBound{2000};
+    static constexpr std::chrono::milliseconds kReconnectDelay{1000};
+
+    explicit PulseConnection(std::string clientName = "Orvanta");
+    ~PulseConnection();
+    PulseConnection(const PulseConnection&) = delete;
+    PulseConnection& operator=(const PulseConnection&) = delete;
+
+    // Waits until the mirror holds the server's objects, or the bound passes.
+    bool waitUntilReady(std::chrono::milliseconds bound);
+    State state() const;
+
+    // Runs read with the mirror, the loop's lock held: keep it short.
+    template <typename Read> auto withMirror(Read&& read) const
+    {
+        pa_threaded_mainloop_lock(loop);
+        auto result = read(mirror);
+        pa_threaded_mainloop_unlock(loop);
+        return result;
+    }
+
+    // Writes. Each waits for the server at most kWriteBound.
+    // A loaded module is entered in the mirror at once.
+    std::optional<std::uint32_t> loadModule(const std::string& name, const std::string& arguments);
+    bool unloadModule(std::uint32_t index);
+    bool setSinkVolume(std::uint32_t sinkIndex, const pa_cvolume& volume);
+    bool setDefaultSink(const std::string& sinkName);
+    // Fetches one sink into the mirror now, rather than when its announcement arrives.
+    bool refreshSink(const std::string& sinkName);
+    // Unloads a module after a delay, on the connection's thread, without waiting for it.
+    void unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay);
+
+    // What to load again, in order, when the server restarts without it: the stacked sink and
+    // its loopbacks, and the sink to make the default. An empty plan restores nothing.
+    struct RestorePlan
+    {
+        std::vector<std::pair<std::string, std::string>> modules; // name, arguments
+        std::string defaultSink;
+    };
+    void setRestorePlan(RestorePlan plan);
+
+    // One write waiting for the server, and what its callback receives.
+    struct Pending;
+    struct CallbackData;
+
+private:
+    using Start = std::function<pa_operation*(pa_context*, void* userdata)>;
+
+    bool run(const Start& start, Pending& pending, CallbackData* userdata);
+    void connectContext();
+    void dropContext();
+    void setState(State newState);
+    void requestInitialState();
+    void finishInitialRequest();
+    void scheduleReconnect();
+    void restore();
+    void loadModuleAsync(const std::string& name, const std::string& arguments);
+
+    static void onContextState(pa_context* context, void* self);
+    static void onSubscription(pa_context* context, pa_subscription_event_type_t type, std::uint32_t index, void* self);
+    static void onSinkInfo(pa_context* context, const pa_sink_info* info, int eol, void* self);
+    static void onSourceInfo(pa_context* context, const pa_source_info* info, int eol, void* self);
+    static void onModuleInfo(pa_context* context, const pa_module_info* info, int eol, void* self);
+    static void onServerInfo(pa_context* context, const pa_server_info* info, void* self);
+    static void onReconnectTimer(pa_mainloop_api* api, pa_time_event* event, const struct timeval* tv, void* self);
+
+    std::string clientName;
+    pa_threaded_mainloop* loop = nullptr;
+    pa_context* context = nullptr;
+    pa_time_event* reconnectTimer = nullptr;
+    PulseMirror mirror;
+    int initialRequests = 0;
+    bool everReady = false;
+    RestorePlan restorePlan;
+
+    mutable std::mutex stateMutex;
+    std::condition_variable stateChanged;
+    State currentState = State::Connecting;
+};
+
+} // namespace orvanta::pulse

@@ -1,0 +1,88 @@
+#include "PulseMirror.h"
+
+namespace orvanta::pulse {
+
+namespace {
+
+std::string property(const pa_proplist* list, const char* key)
+{
+    const char* value = list ? pa_proplist_gets(list, key) : nullptr;
+    return value ? std::string(value) : std::string();
+}
+
+std::string text(const char* value)
+{
+    return value ? std::string(value) : std::string();
+}
+
+} // namespace
+
+void PulseMirror::update(const pa_sink_info& info)
+{
+    if (removedSinks.contains(info.index)) {
+        return;
+    }
+    auto& sink = sinks[info.index];
+    sink.index = info.index;
+    sink.name = text(info.name);
+    sink.description = text(info.description);
+    sink.rate = info.sample_spec.rate;
+    sink.volume = info.volume;
+    sink.channelMap = info.channel_map;
+    sink.ownerModule = info.owner_module;
+    sink.bus = property(info.proplist, PA_PROP_DEVICE_BUS);
+    sink.api = property(info.proplist, PA_PROP_DEVICE_API);
+    sink.bluetoothProfile = property(info.proplist, "api.bluez5.profile");
+    sink.hardwareVolume = (info.flags & PA_SINK_HW_VOLUME_CTRL) != 0;
+}
+
+void PulseMirror::update(const pa_source_info& info)
+{
+    if (removedSources.contains(info.index)) {
+        return;
+    }
+    auto& source = sources[info.index];
+    source.index = info.index;
+    source.name = text(info.name);
+    source.description = text(info.description);
+    source.rate = info.sample_spec.rate;
+    source.isMonitor = info.monitor_of_sink != PA_INVALID_INDEX;
+}
+
+void PulseMirror::update(const pa_module_info& info)
+{
+    addModule({info.index, text(info.name), text(info.argument)});
+}
+
+void PulseMirror::addModule(const ModuleRecord& module)
+{
+    if (!removedModules.contains(module.index)) {
+        modules[module.index] = module;
+    }
+}
+
+void PulseMirror::removeSink(std::uint32_t index)
+{
+    sinks.erase(index);
+    removedSinks.insert(index);
+}
+
+void PulseMirror::removeSource(std::uint32_t index)
+{
+    sources.erase(index);
+    removedSources.insert(index);
+}
+
+void PulseMirror::removeModule(std::uint32_t index)
+{
+    modules.erase(index);
+    retiringModules.erase(index);
+    removedModules.insert(index);
+}
+
+void PulseMirror::clear()
+{
+    *this = PulseMirror();
+}
+
+} // namespace orvanta::pulse
