@@ -1,9 +1,12 @@
 #include "AudioBackend.h"
 
+#include "PulseAudioHardware.h"
+#include "PulseConnection.h"
 #include "sim/DeviceDescription.h"
 #include "sim/SimStateFile.h"
 #include "sim/SimulatedAudioHardware.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <variant>
 
@@ -43,19 +46,40 @@ AudioBackend simulatedBackend(const std::string& reason)
     return backend;
 }
 
+// How long start-up waits for the sound server to answer.
+constexpr std::chrono::milliseconds kServerAnswerBound{1500};
+
+AudioBackend serverBackend(std::unique_ptr<pulse::PulseConnection> connection, bool answered)
+{
+    AudioBackend backend;
+    backend.hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
+    backend.description =
+        answered ? "Using the sound server" : "The sound server does not answer yet; Orvanta will connect when it does";
+    return backend;
+}
+
 } // namespace
 
 AudioBackend chooseAudioBackend()
 {
     const std::string choice = environment("ORVANTA_AUDIO");
-    if (choice.empty() || choice == "auto") {
-        return simulatedBackend(": no sound server backend is built into this version");
-    }
     if (choice == "simulated") {
         return simulatedBackend("");
     }
+    if (choice == "pulse") {
+        auto connection = std::make_unique<pulse::PulseConnection>();
+        const bool answered = connection->waitUntilReady(kServerAnswerBound);
+        return serverBackend(std::move(connection), answered);
+    }
+    if (choice.empty() || choice == "auto") {
+        auto connection = std::make_unique<pulse::PulseConnection>();
+        if (connection->waitUntilReady(kServerAnswerBound)) {
+            return serverBackend(std::move(connection), true);
+        }
+        return simulatedBackend(": no sound server answered");
+    }
     AudioBackend backend;
-    backend.error = "ORVANTA_AUDIO=" + choice + ": this version offers \"simulated\" or \"auto\"";
+    backend.error = "ORVANTA_AUDIO=" + choice + ": expected \"auto\", \"pulse\" or \"simulated\"";
     return backend;
 }
 

@@ -7,6 +7,7 @@ ORVANTA_PACKAGES=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev
     libgtest-dev libgmock-dev libbenchmark-dev
+    libpulse-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus
 )
 
 # Installs the packages that are not installed yet, with sudo unless already root.

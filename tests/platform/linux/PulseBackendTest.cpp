@@ -1,0 +1,208 @@
+// The audio layer over a real sound server: a private PulseAudio and a private PipeWire with its
+// pulse server, each with null sinks standing in for speakers.
+
+#include "support/SoundServer.h"
+
+#include "PulseAudioHardware.h"
+#include "audio/AudioWrapper.h"
+#include "core/DiagnosticLog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <functional>
+
+namespace orvanta::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using Kind = SoundServer::Kind;
+
+bool eventually(const std::function<bool()>& done, int milliseconds = 5000)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > milliseconds) {
+            return false;
+        }
+        QThread::msleep(20);
+    }
+    return true;
+}
+
+class PulseBackend : public ::testing::TestWithParam<Kind>
+{
+protected:
+    void SetUp() override
+    {
+        server = std::make_unique<SoundServer>(GetParam());
+        ASSERT_TRUE(server->start()) << SoundServer::name(GetParam()) << " did not start";
+        loadDevices();
+        connect();
+    }
+
+    void loadDevices()
+    {
+        ASSERT_GE(server->loadModule("module-null-sink",
+                                     {"sink_name=spk", "rate=48000", "sink_properties=device.description=Speakers"}),
+                  0);
+        ASSERT_GE(server->loadModule("module-null-sink",
+                                     {"sink_name=bt", "rate=44100",
+                                      "sink_properties='device.description=BT-Speaker device.bus=bluetooth'"}),
+                  0);
+        // An input-only device: a source that is not a monitor.
+        ASSERT_GE(server->loadModule("module-remap-source", {"master=spk.monitor", "source_name=mic",
+                                                             "source_properties=device.description=Microphone"}),
+                  0);
+    }
+
+    void connect()
+    {
+        auto connection = std::make_unique<pulse::PulseConnection>();
+        ASSERT_TRUE(connection->waitUntilReady(std::chrono::seconds(5)));
+        hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
+        audio = std::make_unique<audio::AudioWrapper>(*hardware, printed.log());
+        ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() == 2; }));
+    }
+
+    QStringList modules(const QString& name) const
+    {
+        QStringList found;
+        for (const auto& line : server->pactl({"list", "short", "modules"}).split('\n')) {
+            if (line.contains(name)) {
+                found << line.section('\t', 2).trimmed();
+            }
+        }
+        found.sort();
+        return found;
+    }
+
+    int sinksNamed(const QString& name) const
+    {
+        int count = 0;
+        for (const auto& line : server->pactl({"list", "short", "sinks"}).split('\n')) {
+            count += line.section('\t', 1, 1) == name ? 1 : 0;
+        }
+        return count;
+    }
+
+    QString defaultSink() const { return server->pactl({"get-default-sink"}).trimmed(); }
+
+    static QString loopback(const QString& sink, int latencyMs)
+    {
+        return QString("source=com.quellon.stacked.monitor sink=%1 latency_msec=%2 source_dont_move=true "
+                       "sink_dont_move=true")
+            .arg(sink)
+            .arg(latencyMs);
+    }
+
+    std::unique_ptr<SoundServer> server;
+    core::CollectedLines printed;
+    std::unique_ptr<pulse::PulseAudioHardware> hardware;
+    std::unique_ptr<audio::AudioWrapper> audio;
+};
+
+TEST_P(PulseBackend, CatalogueListsSinksWithTheirRatesAndSkipsInputs)
+{
+    EXPECT_THAT(audio->getOutputDevices(), ElementsAre(audio::AudioDeviceOption{"Speakers", "spk", false},
+                                                       audio::AudioDeviceOption{"BT-Speaker", "bt", true}));
+    EXPECT_EQ(audio->getNominalSampleRate("spk"), 48000.0);
+    EXPECT_EQ(audio->getNominalSampleRate("bt"), 44100.0);
+    EXPECT_TRUE(audio->isBluetoothDevice("bt"));
+    EXPECT_FALSE(audio->isBluetoothDevice("mic"));
+    EXPECT_TRUE(audio->supportsHardwareVolume("spk"));
+}
+
+TEST_P(PulseBackend, SyncOnMakesTheStackedSinkTheDefaultAndTimesTheLoopbacks)
+{
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::noErr);
+    ASSERT_EQ(printed.lines.size(), 1u);
+    EXPECT_THAT(printed.lines[0], ::testing::MatchesRegex("✅ Sync Device Created! ID: [0-9]+, "
+                                                          "latency1=0ms latency2=150ms"));
+    EXPECT_EQ(defaultSink(), "com.quellon.stacked");
+    // The secondary declares 150 ms, so the primary is held back by 150 ms.
+    EXPECT_EQ(modules("module-loopback"), (QStringList{loopback("bt", 30), loopback("spk", 180)}));
+    EXPECT_EQ(audio->getOutputDevices().size(), 2u); // the stacked sink stays hidden
+    EXPECT_EQ(audio->findStackedDeviceID().has_value(), true);
+
+    printed.lines.clear();
+    audio->destroyOldStackedDevices();
+    audio->returnAudio("spk");
+    EXPECT_THAT(printed.lines,
+                ElementsAre("🗑️ Startup Cleanup: Old device destroyed.", "Returning audio to: spk"));
+    EXPECT_EQ(defaultSink(), "spk");
+    EXPECT_TRUE(modules("module-loopback").isEmpty());
+    EXPECT_EQ(sinksNamed("com.quellon.stacked"), 0);
+}
+
+TEST_P(PulseBackend, LeftoverFromAnEarlierRunIsRemovedByTheNextSync)
+{
+    ASSERT_GE(server->loadModule("module-null-sink", {"sink_name=com.quellon.stacked"}), 0);
+    ASSERT_GE(server->loadModule("module-loopback", loopback("bt", 45).split(' ')), 0);
+    ASSERT_TRUE(eventually([this] { return audio->findStackedDeviceID().has_value(); }));
+
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 20, 0), hal::noErr);
+    EXPECT_EQ(printed.lines.front(), "🗑️ Startup Cleanup: Old device destroyed.");
+    EXPECT_EQ(sinksNamed("com.quellon.stacked"), 1);
+    EXPECT_EQ(modules("module-loopback"), (QStringList{loopback("bt", 50), loopback("spk", 30)}));
+}
+
+TEST_P(PulseBackend, VolumeIsTheSinksVolumeOnTheMixersPercentScale)
+{
+    audio->setVolume("spk", 0.25f);
+    EXPECT_THAT(printed.lines, ElementsAre("✅ Volume set via VirtualMainVolume for spk: 0.25"));
+    const QString volume = server->pactl({"get-sink-volume", "spk"});
+    EXPECT_EQ(volume.count(" 25% "), 2) << volume.toStdString();
+    EXPECT_TRUE(audio->deviceSupportsHardwareVolume().at("spk"));
+}
+
+TEST_P(PulseBackend, RuntimeLatencyRetimesTheLoopbacksWithoutStoppingThem)
+{
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 0), hal::noErr);
+    printed.lines.clear();
+    audio->setRuntimeLatency("bt", 150);
+    EXPECT_THAT(printed.lines, ElementsAre("⏱️ Real-time latency set on bt: 150ms (6615.0 frames)"));
+    // Made before broken: the new loopback runs beside the old one until it plays.
+    EXPECT_EQ(modules("module-loopback").size(), 3);
+    ASSERT_TRUE(eventually([this] { return modules("module-loopback").size() == 2; }));
+    EXPECT_EQ(modules("module-loopback"), (QStringList{loopback("bt", 30), loopback("spk", 180)}));
+
+    printed.lines.clear();
+    audio->setRuntimeLatency("spk", 600);
+    ASSERT_TRUE(eventually([this] { return modules("module-loopback").size() == 2; }));
+    EXPECT_EQ(modules("module-loopback"), (QStringList{loopback("bt", 480), loopback("spk", 30)}));
+    EXPECT_THAT(printed.lines, ElementsAre("⏱️ Real-time latency set on spk: 600ms (28800.0 frames)"));
+}
+
+TEST_P(PulseBackend, AVanishedServerGivesStatusesAtOnceAndIsRejoinedWhenItReturns)
+{
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::noErr);
+    server->kill();
+    ASSERT_TRUE(eventually([this] { return hardware->connection().state() != pulse::PulseConnection::State::Ready; }));
+
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_TRUE(audio->getOutputDevices().empty());
+    printed.lines.clear();
+    EXPECT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::kAudioHardwareNotRunningError);
+    audio->setVolume("spk", 0.5f);
+    EXPECT_LT(clock.elapsed(), 500);
+    EXPECT_EQ(printed.lines.front(), "❌ Create Error: 1937010544");
+
+    ASSERT_TRUE(server->start());
+    loadDevices();
+    ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() == 2; }, 10000));
+    // The stacked sink that was playing comes back as it was.
+    EXPECT_TRUE(eventually([this] { return sinksNamed("com.quellon.stacked") == 1; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, PulseBackend, ::testing::Values(Kind::PulseAudio, Kind::PipeWire),
+                         [](const auto& param) { return std::string(SoundServer::name(param.param)); });
+
+} // namespace
+} // namespace orvanta::testing
