@@ -114,7 +114,8 @@ QString SoundServer::pactl(const QStringList& arguments) const
     if (!process.waitForFinished(5000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
         return {};
     }
-    return QString::fromUtf8(process.readAllStandardOutput());
+    const QString output = QString::fromUtf8(process.readAllStandardOutput());
+    return output.isNull() ? QStringLiteral("") : output; // success with no output is not a failure
 }
 
 long long SoundServer::loadModule(const QString& name, const QStringList& arguments) const

@@ -201,6 +201,27 @@ TEST_P(PulseBackend, AVanishedServerGivesStatusesAtOnceAndIsRejoinedWhenItReturn
     EXPECT_TRUE(eventually([this] { return sinksNamed("com.quellon.stacked") == 1; }));
 }
 
+TEST_P(PulseBackend, AnUnpluggedMemberTakesOnlyItsOwnLoopbackAlong)
+{
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::noErr);
+    const QString btModule =
+        server->pactl({"list", "short", "modules"}).split('\n').filter("sink_name=bt ").value(0).section('\t', 0, 0);
+    ASSERT_FALSE(btModule.isEmpty());
+    ASSERT_FALSE(server->pactl({"unload-module", btModule}).isNull());
+
+    ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() == 1; }));
+    ASSERT_TRUE(eventually([this] { return modules("module-loopback").size() == 1; }));
+    EXPECT_EQ(modules("module-loopback"), QStringList{loopback("spk", 180)});
+    EXPECT_EQ(defaultSink(), "com.quellon.stacked");
+
+    printed.lines.clear();
+    audio->setRuntimeLatency("bt", 20); // no longer a member: nothing to do, nothing printed
+    audio->setVolume("bt", 0.5f);
+    EXPECT_TRUE(printed.lines.empty());
+    audio->destroyOldStackedDevices();
+    EXPECT_TRUE(modules("module-loopback").isEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Servers, PulseBackend, ::testing::Values(Kind::PulseAudio, Kind::PipeWire),
                          [](const auto& param) { return std::string(SoundServer::name(param.param)); });
 
