@@ -17,7 +17,7 @@ namespace {
 constexpr double kFallbackRate = 48000.0;
 // A replaced loopback keeps playing until its successor has filled its own latency, so the
 // change leaves no gap; this margin covers the successor's start-up.
-constexpr int kHandOverMarginMs = 20;
+constexpr int kHandOverMarginMs = 100;
 
 enum class Kind
 {
