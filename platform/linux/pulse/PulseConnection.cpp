@@ -36,6 +36,15 @@ struct PulseConnection::CallbackData
     std::shared_ptr<Pending> pending; // keeps the Pending alive for the callback
 };
 
+// A module to unload once its successor plays.
+struct PulseConnection::DelayedUnload
+{
+    PulseConnection* connection = nullptr;
+    pa_time_event* timer = nullptr;
+    std::uint64_t generation = 0;
+    std::uint32_t index = PA_INVALID_INDEX;
+};
+
 // ---- lifetime ----
 
 PulseConnection::PulseConnection(std::string name) : clientName(std::move(name))
@@ -50,10 +59,15 @@ PulseConnection::PulseConnection(std::string name) : clientName(std::move(name))
 PulseConnection::~PulseConnection()
 {
     pa_threaded_mainloop_lock(loop);
+    auto* api = pa_threaded_mainloop_get_api(loop);
     if (reconnectTimer) {
-        pa_threaded_mainloop_get_api(loop)->time_free(reconnectTimer);
+        api->time_free(reconnectTimer);
         reconnectTimer = nullptr;
     }
+    for (const auto& unload : delayedUnloads) {
+        api->time_free(unload->timer);
+    }
+    delayedUnloads.clear();
     dropContext();
     pa_threaded_mainloop_unlock(loop);
     pa_threaded_mainloop_stop(loop);
@@ -62,6 +76,7 @@ PulseConnection::~PulseConnection()
 
 void PulseConnection::connectContext()
 {
+    ++contextGeneration;
     pa_proplist* properties = pa_proplist_new();
     pa_proplist_sets(properties, PA_PROP_APPLICATION_NAME, clientName.c_str());
     pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, "orvanta");
@@ -458,17 +473,6 @@ bool PulseConnection::refreshSink(const std::string& sinkName)
 
 // ---- writes that do not wait ----
 
-namespace {
-
-struct DelayedUnload
-{
-    PulseConnection* connection;
-    pa_context* context;
-    std::uint32_t index;
-};
-
-} // namespace
-
 void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay)
 {
     pa_threaded_mainloop_lock(loop);
@@ -477,23 +481,26 @@ void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::millis
         timeval when{};
         gettimeofday(&when, nullptr);
         pa_timeval_add(&when, static_cast<pa_usec_t>(delay.count()) * PA_USEC_PER_MSEC);
+        auto unload = std::make_unique<DelayedUnload>(DelayedUnload{this, nullptr, contextGeneration, index});
         auto* api = pa_threaded_mainloop_get_api(loop);
-        api->time_new(
-            api, &when,
-            [](pa_mainloop_api* timerApi, pa_time_event* event, const timeval*, void* userdata) {
-                auto* unload = static_cast<DelayedUnload*>(userdata);
-                // Only on the connection the module was loaded on: a restarted server has its own.
-                if (unload->connection->context == unload->context && unload->connection->state() == State::Ready) {
-                    if (auto* op = pa_context_unload_module(unload->context, unload->index, nullptr, nullptr)) {
-                        pa_operation_unref(op);
-                    }
-                }
-                timerApi->time_free(event);
-                delete unload;
-            },
-            new DelayedUnload{this, context, index});
+        unload->timer = api->time_new(api, &when, &PulseConnection::onDelayedUnload, unload.get());
+        delayedUnloads.push_back(std::move(unload));
     }
     pa_threaded_mainloop_unlock(loop);
+}
+
+void PulseConnection::onDelayedUnload(pa_mainloop_api* api, pa_time_event* event, const timeval*, void* userdata)
+{
+    auto* unload = static_cast<DelayedUnload*>(userdata);
+    auto* connection = unload->connection;
+    // Only on the connection the module was loaded on: a restarted server has its own modules.
+    if (connection->contextGeneration == unload->generation && connection->state() == State::Ready) {
+        if (auto* op = pa_context_unload_module(connection->context, unload->index, nullptr, nullptr)) {
+            pa_operation_unref(op);
+        }
+    }
+    api->time_free(event);
+    std::erase_if(connection->delayedUnloads, [unload](const auto& pending) { return pending.get() == unload; });
 }
 
 void PulseConnection::loadModuleAsync(const std::string& name, const std::string& arguments)

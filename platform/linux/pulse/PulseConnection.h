@@ -14,6 +14,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -96,6 +97,8 @@ private:
     static void onSourceInfo(pa_context* context, const pa_source_info* info, int eol, void* self);
     static void onModuleInfo(pa_context* context, const pa_module_info* info, int eol, void* self);
     static void onServerInfo(pa_context* context, const pa_server_info* info, void* self);
+    struct DelayedUnload;
+    static void onDelayedUnload(pa_mainloop_api* api, pa_time_event* event, const struct timeval* tv, void* userdata);
     static void onReconnectTimer(pa_mainloop_api* api, pa_time_event* event, const struct timeval* tv, void* self);
 
     std::string clientName;
@@ -106,6 +109,8 @@ private:
     int initialRequests = 0;
     bool everReady = false;
     RestorePlan restorePlan;
+    std::uint64_t contextGeneration = 0;
+    std::vector<std::unique_ptr<DelayedUnload>> delayedUnloads;
 
     mutable std::mutex stateMutex;
     std::condition_variable stateChanged;
