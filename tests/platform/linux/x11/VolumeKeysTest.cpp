@@ -1,0 +1,175 @@
+// The volume keys on a real X display: pressed with xdotool, taken by the tap, and moving both
+// simulated devices; and trust that follows whether another client holds the keys.
+
+#include "support/EventLoop.h"
+#include "support/StateFixture.h"
+
+#include "X11AccessibilityTrust.h"
+#include "X11EventTap.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QProcess>
+
+namespace orvanta::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+xcb_connection_t* qtConnection()
+{
+    auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return native ? native->connection() : nullptr;
+}
+
+void press(const QString& key)
+{
+    QProcess xdotool;
+    xdotool.start("xdotool", {"key", "--clearmodifiers", key});
+    ASSERT_TRUE(xdotool.waitForFinished(5000));
+    ASSERT_EQ(xdotool.exitCode(), 0);
+}
+
+// Another client holding the volume keys while the object lives.
+class Holder
+{
+public:
+    Holder()
+    {
+        process.start(ORVANTA_GRAB_HOLDER, QStringList{});
+        process.waitForReadyRead(5000);
+        held = process.readAllStandardOutput().startsWith("held");
+    }
+    ~Holder() { release(); }
+    void release()
+    {
+        process.closeWriteChannel();
+        process.waitForFinished(3000);
+    }
+    bool held = false;
+
+private:
+    QProcess process;
+};
+
+class VolumeKeys : public ::testing::Test, protected StateFixture
+{
+protected:
+    x11::X11VolumeKeys keys{qtConnection()};
+    x11::X11EventTap x11Taps{keys};
+    x11::X11AccessibilityTrust x11Trust{keys};
+    std::unique_ptr<state::MediaKeyManager> x11MediaKeys;
+
+    state::AppState& startWithX11()
+    {
+        x11MediaKeys = std::make_unique<state::MediaKeyManager>(x11Taps, sim.printed.log());
+        appState = std::make_unique<state::AppState>(
+            state::AppStateServices{sim.audio, memoryDefaults, loginItems, x11Trust, *x11MediaKeys, sim.printed.log()});
+        return *appState;
+    }
+
+    void TearDown() override
+    {
+        appState.reset();
+        x11MediaKeys.reset();
+        keys.ungrab();
+    }
+};
+
+TEST_F(VolumeKeys, EachKeyDownMovesBothDevicesByOneStep)
+{
+    ASSERT_TRUE(keys.hasDisplay());
+    auto& app = startWithX11();
+    app.setSelectedDevice1(kSpeakers);
+    app.setSelectedDevice2(kBluetooth);
+    app.enableSync();
+    ASSERT_TRUE(x11MediaKeys->hasTap());
+
+    press("XF86AudioRaiseVolume");
+    ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
+    press("XF86AudioLowerVolume");
+    press("XF86AudioLowerVolume");
+    ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.4375f; }));
+    EXPECT_EQ(app.volume2(), 0.4375f);
+    EXPECT_EQ(sim.system.device(sim.idOf("spk"))->spec.virtualMainVolume.level, 0.4375f);
+    EXPECT_EQ(sim.system.device(sim.idOf("bt"))->spec.channelVolumes[0].level, 0.4375f);
+}
+
+TEST_F(VolumeKeys, KeyDownsAreDroppedAndKeyUpsPassOn)
+{
+    std::vector<platform::TapEvent> seen;
+    std::vector<bool> passed;
+    auto port = x11Taps.create(platform::kSystemDefinedEventMask, [&](const platform::TapEvent& event) {
+        seen.push_back(event);
+        const bool keyDown = (event.data1 & 0xFF00) == 0x0A00;
+        passed.push_back(!keyDown);
+        return keyDown ? std::nullopt : std::optional<platform::TapEvent>(event);
+    });
+    ASSERT_TRUE(port);
+    port->addToMainLoop();
+    port->setEnabled(true);
+
+    press("XF86AudioLowerVolume");
+    press("a"); // not ours: never seen
+    ASSERT_TRUE(runUntil([&] { return seen.size() >= 2; }));
+    drainEvents();
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(seen[0].data1, (1 << 16) | 0x0A00);
+    EXPECT_EQ(seen[1].data1, (1 << 16) | 0x0B00);
+    EXPECT_THAT(passed, ElementsAre(false, true));
+}
+
+TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGo)
+{
+    auto& app = startWithX11();
+    EXPECT_TRUE(app.isTrusted());
+    app.setSelectedDevice1(kSpeakers);
+    app.setSelectedDevice2(kBluetooth);
+
+    auto holder = std::make_unique<Holder>();
+    ASSERT_TRUE(holder->held);
+    ASSERT_TRUE(runUntil([&] { return !app.isTrusted(); }, std::chrono::milliseconds(2500)));
+
+    // Sync comes on while the keys are taken: the tap cannot be made.
+    app.enableSync();
+    EXPECT_FALSE(x11MediaKeys->hasTap());
+    EXPECT_EQ(sim.printed.lines.back(), "❌ Failed to create Event Tap. Check Accessibility Permissions.");
+
+    // As the main window does: once trust returns while sync is on, start the tap.
+    QObject::connect(&app, &state::AppState::isTrustedChanged, [&] {
+        if (app.isTrusted() && app.isQuellonOn()) {
+            x11MediaKeys->start();
+        }
+    });
+    QElapsedTimer clock;
+    clock.start();
+    holder.reset();
+    ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
+    EXPECT_LE(clock.elapsed(), 1600);
+    ASSERT_TRUE(x11MediaKeys->hasTap());
+    press("XF86AudioRaiseVolume");
+    EXPECT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
+}
+
+TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTrustAndNoTap)
+{
+    x11::X11VolumeKeys keys(nullptr);
+    x11::X11AccessibilityTrust trust(keys);
+    x11::X11EventTap taps(keys);
+    EXPECT_FALSE(trust.isProcessTrusted());
+    EXPECT_EQ(taps.create(platform::kSystemDefinedEventMask, [](const platform::TapEvent& e) { return e; }), nullptr);
+}
+
+TEST(ShortcutSettings, EachDesktopOpensItsOwnKeyboardSettings)
+{
+    EXPECT_EQ(x11::shortcutSettingsCommand("ubuntu:GNOME"), (QStringList{"gnome-control-center", "keyboard"}));
+    EXPECT_EQ(x11::shortcutSettingsCommand("KDE"), (QStringList{"systemsettings", "kcm_keys"}));
+    EXPECT_EQ(x11::shortcutSettingsCommand("XFCE"), QStringList{"xfce4-keyboard-settings"});
+    EXPECT_TRUE(x11::shortcutSettingsCommand("").isEmpty());
+}
+
+} // namespace
+} // namespace orvanta::testing
