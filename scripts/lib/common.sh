@@ -5,9 +5,10 @@ ORVANTA_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
 
 ORVANTA_PACKAGES=(
     cmake ninja-build g++ pkg-config
-    qt6-base-dev
+    qt6-base-dev qt6-svg-dev xvfb
     libgtest-dev libgmock-dev libbenchmark-dev
     libpulse-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus
+    clang libclang-rt-14-dev
 )
 
 # Installs the packages that are not installed yet, with sudo unless already root.

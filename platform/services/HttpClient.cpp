@@ -1,0 +1,12 @@
+#include "HttpClient.h"
+
+namespace orvanta::platform {
+
+void HttpClient::get(const QUrl& url, Completion completion)
+{
+    getInBackground(url, [completion = std::move(completion)](const HttpResponse& response) -> Continuation {
+        return [completion, response] { completion(response); };
+    });
+}
+
+} // namespace orvanta::platform

@@ -1,0 +1,71 @@
+#pragma once
+
+// A small HTTP server on 127.0.0.1 for tests, running in the test's own event loop. Each path
+// gets a scripted behaviour: a response written as given (so it may lie about its length or end
+// early), an answer held back until enough requests have arrived or a delay has passed, or no
+// answer at all. It records every request it reads.
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QUrl>
+
+#include <chrono>
+
+class QTcpServer;
+class QTcpSocket;
+
+namespace orvanta::testing {
+
+struct Route
+{
+    QByteArray response;                // written as it is, then the connection is closed
+    bool answer = true;                 // false: read the request and never answer
+    int holdUntilRequests = 0;          // answer only once this many requests for the path arrived
+    std::chrono::milliseconds delay{0}; // wait this long before answering
+
+    // A complete response with a correct Content-Length.
+    static Route reply(int status, const QByteArray& body,
+                       const QByteArray& contentType = QByteArrayLiteral("application/json"));
+    // A redirect to location.
+    static Route redirect(const QByteArray& location, int status = 302);
+    // A response without Content-Length whose end is the closing of the connection.
+    static Route untilClose(const QByteArray& body);
+    static Route silent();
+};
+
+class LoopbackServer : public QObject
+{
+public:
+    LoopbackServer();
+    ~LoopbackServer() override;
+
+    bool listening() const;
+    quint16 port() const;
+    QUrl url(const QString& path) const;
+
+    void setRoute(const QByteArray& path, Route route);
+
+    // Paths of the requests read so far, in order.
+    const QList<QByteArray>& requests() const { return requestPaths; }
+    int requestCount(const QByteArray& path) const { return static_cast<int>(requestPaths.count(path)); }
+    int connectionCount() const { return connections; }
+
+    // Stops listening: new connections are refused.
+    void close();
+
+private:
+    void accept();
+    void readRequest(QTcpSocket* socket);
+    void release(const QByteArray& path);
+    void answer(QTcpSocket* socket, const Route& route);
+
+    QTcpServer* server;
+    QHash<QByteArray, Route> routes;
+    QHash<QByteArray, QList<QTcpSocket*>> held;
+    QList<QByteArray> requestPaths;
+    int connections = 0;
+};
+
+} // namespace orvanta::testing
