@@ -3,33 +3,26 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
-#include <QThread>
 
 namespace {
 
-// Starts Xvfb on the first free display from :90 on; gives its number, or -1.
+// Starts Xvfb on a display number it picks itself, so parallel tests never share one; gives the
+// number, or -1.
 int startXvfb(QProcess& server)
 {
-    for (int display = 90; display < 130; ++display) {
-        if (QFile::exists(QString("/tmp/.X%1-lock").arg(display))) {
-            continue;
-        }
-        server.start("Xvfb", {QString(":%1").arg(display), "-nolisten", "tcp", "-screen", "0", "1024x768x24"});
-        server.waitForStarted(5000);
-        for (int wait = 0; wait < 50 && server.state() == QProcess::Running; ++wait) {
-            if (QFile::exists(QString("/tmp/.X11-unix/X%1").arg(display))) {
-                return display;
-            }
-            QThread::msleep(100);
-        }
-        server.kill();
-        server.waitForFinished();
+    server.start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1024x768x24"});
+    if (!server.waitForStarted(5000)) {
+        return -1;
     }
-    return -1;
+    QByteArray number;
+    while (!number.contains('\n') && server.waitForReadyRead(10000)) {
+        number += server.readAllStandardOutput();
+    }
+    bool ok = false;
+    const int display = number.trimmed().toInt(&ok);
+    return ok ? display : -1;
 }
 
 } // namespace
