@@ -3,6 +3,7 @@
 // The keys of the string tables as the interface is meant to have them: every key in table
 // order, whether the English table holds it, and whether the other 22 tables translate it.
 
+#include <QString>
 #include <QStringView>
 
 #include <array>
@@ -16,7 +17,7 @@ struct ExpectedKey
     bool translated;
 };
 
-inline constexpr std::array<ExpectedKey, 47> kExpectedKeys{{
+inline constexpr std::array<ExpectedKey, 50> kExpectedKeys{{
     {u"Audio Outputs", false, true},
     {u"Refresh", false, true},
     {u"Primary Speaker", false, true},
@@ -64,16 +65,55 @@ inline constexpr std::array<ExpectedKey, 47> kExpectedKeys{{
     {u"Failed to create audio sync. Error code: ", true, false},
     {u"Volume Control Warning", true, false},
     {u"Volume control not supported: ", true, false},
+    {u"keys_taken_reason", true, true},
+    {u"keys_taken_text", true, true},
+    {u"keys_wayland_text", true, true},
 }};
 
-// The two keys that are names rather than English texts.
+// The keys that are names rather than English texts, and the English text of each.
 inline constexpr QStringView kInstructionKey = u"instruction_text";
 inline constexpr QStringView kDelayNoteKey = u"delay_note";
+inline constexpr QStringView kKeysTakenReasonKey = u"keys_taken_reason";
+inline constexpr QStringView kKeysTakenKey = u"keys_taken_text";
+inline constexpr QStringView kKeysWaylandKey = u"keys_wayland_text";
 
 inline constexpr QStringView kEnglishInstructions =
     u"1. Click button below.\n2. Find 'Orvanta' in the list.\n3. Turn the switch ON.";
 inline constexpr QStringView kEnglishDelayNote =
     u"Tip: Bluetooth delay can vary with distance from the speaker. Adjust the slider until both speakers sound in "
     u"sync — your setting is saved automatically and reapplied next time.";
+inline constexpr QStringView kEnglishKeysTakenReason =
+    u"Another program is using the volume keys, often the desktop's own volume control.";
+inline constexpr QStringView kEnglishKeysTaken =
+    u"1. Click the button below.\n2. Remove the shortcuts for Volume Up and Volume Down.\n3. Orvanta takes the keys "
+    u"within a second.";
+inline constexpr QStringView kEnglishKeysWayland =
+    u"This desktop session (Wayland) does not let programs take the volume keys. Use the sliders, or log in with an "
+    u"X11 session to use the keys.";
+
+struct NamedText
+{
+    QStringView key;
+    QStringView english;
+};
+
+inline constexpr std::array<NamedText, 5> kNamedTexts{{
+    {kInstructionKey, kEnglishInstructions},
+    {kDelayNoteKey, kEnglishDelayNote},
+    {kKeysTakenReasonKey, kEnglishKeysTakenReason},
+    {kKeysTakenKey, kEnglishKeysTaken},
+    {kKeysWaylandKey, kEnglishKeysWayland},
+}};
+
+// What English shows for a key: the named text for a name, else the key itself.
+inline QString englishTextOf(QStringView key)
+{
+    for (const auto& named : kNamedTexts) {
+        if (named.key == key) {
+            return named.english.toString();
+        }
+    }
+    return key.toString();
+}
 
 } // namespace orvanta::testing

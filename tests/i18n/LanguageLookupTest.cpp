@@ -1,5 +1,5 @@
 // What the interface shows for a key: the chosen language's text, else the English text, which
-// is the key itself (or, for the two named keys, the key's name when no table applies).
+// is the key itself (or, for the named keys, the key's name when no table applies).
 
 #include "ExpectedKeys.h"
 #include "ExpectedLanguages.h"
@@ -17,17 +17,6 @@ namespace {
 using i18n::LanguageManager;
 
 const QString kLanguageKey = QStringLiteral("selectedLanguage");
-
-QString englishTextOf(QStringView key)
-{
-    if (key == kInstructionKey) {
-        return kEnglishInstructions.toString();
-    }
-    if (key == kDelayNoteKey) {
-        return kEnglishDelayNote.toString();
-    }
-    return key.toString();
-}
 
 TEST(LanguageLookup, NoStoredLanguageMeansEnglishAndNothingIsWritten)
 {
@@ -56,6 +45,7 @@ TEST(LanguageLookup, UnknownStoredLanguageShowsKeysAndIsKeptAsIs)
     }
     EXPECT_EQ(manager.translate(QStringLiteral("instruction_text")), QStringLiteral("instruction_text"));
     EXPECT_EQ(manager.translate(QStringLiteral("delay_note")), QStringLiteral("delay_note"));
+    EXPECT_EQ(manager.translate(QStringLiteral("keys_taken_text")), QStringLiteral("keys_taken_text"));
     EXPECT_EQ(defaults.writes, 0);
     EXPECT_EQ(defaults.values.value(kLanguageKey), QVariant(QStringLiteral("Klingon")));
 }
@@ -78,6 +68,9 @@ TEST(LanguageLookup, EnglishFallsBackToTheKeyAndHoldsTheNamedTexts)
     EXPECT_EQ(manager.translate(QStringLiteral("Audio Outputs")), QStringLiteral("Audio Outputs"));
     EXPECT_EQ(manager.translate(QStringLiteral("delay_note")), kEnglishDelayNote.toString());
     EXPECT_EQ(manager.translate(QStringLiteral("instruction_text")), kEnglishInstructions.toString());
+    EXPECT_EQ(manager.translate(QStringLiteral("keys_taken_reason")), kEnglishKeysTakenReason.toString());
+    EXPECT_EQ(manager.translate(QStringLiteral("keys_taken_text")), kEnglishKeysTaken.toString());
+    EXPECT_EQ(manager.translate(QStringLiteral("keys_wayland_text")), kEnglishKeysWayland.toString());
     EXPECT_EQ(manager.translate(QStringLiteral("Bluetooth device detected: JBL Flip 6")),
               QStringLiteral("Bluetooth device detected: JBL Flip 6"));
 }

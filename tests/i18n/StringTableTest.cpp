@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace orvanta::testing {
 namespace {
@@ -71,15 +72,31 @@ QStringList keysOf(const TableFile& table)
     return keys;
 }
 
-QString englishTextOf(const QString& key)
+// The text a table holds for a key, if it holds the key.
+std::optional<QString> textOf(const TableFile& table, QStringView key)
 {
-    if (key == kInstructionKey) {
-        return kEnglishInstructions.toString();
+    const auto member = std::find_if(table.members.begin(), table.members.end(),
+                                     [key](const JsonMember& m) { return m.first == key; });
+    if (member == table.members.end()) {
+        return std::nullopt;
     }
-    if (key == kDelayNoteKey) {
-        return kEnglishDelayNote.toString();
+    return member->second;
+}
+
+// Three lines, "1. ", "2. ", "3. " in ASCII digits, one of them naming the product in Latin letters.
+void expectThreeNumberedStepsNaming(const TableFile& table, QStringView key, const QString& name)
+{
+    const auto text = textOf(table, key);
+    ASSERT_TRUE(text) << table.label() << " / " << key.toString().toStdString();
+    const QStringList steps = text->split(u'\n');
+    ASSERT_EQ(steps.size(), 3) << table.label() << " / " << key.toString().toStdString();
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        EXPECT_TRUE(steps[i].startsWith(QStringLiteral("%1. ").arg(i + 1)))
+            << table.label() << " / " << key.toString().toStdString() << " step " << i + 1;
+        EXPECT_GT(steps[i].trimmed().size(), 3)
+            << table.label() << " / " << key.toString().toStdString() << " step " << i + 1 << " is empty";
     }
-    return key;
+    EXPECT_TRUE(text->contains(name)) << table.label() << " / " << key.toString().toStdString();
 }
 
 // Texts that rightly read the same as in English.
@@ -150,11 +167,11 @@ TEST(StringTables, KeysAreTheExpectedOnesInTableOrder)
     for (const auto& table : tableFiles()) {
         const QStringList keys = keysOf(table);
         EXPECT_EQ(keys, expectedKeysOf(table)) << table.label();
-        EXPECT_EQ(keys.size(), table.isEnglish() ? 33 : 43) << table.label();
+        EXPECT_EQ(keys.size(), table.isEnglish() ? 36 : 46) << table.label();
         EXPECT_EQ(QSet<QString>(keys.begin(), keys.end()).size(), keys.size()) << table.label() << ": repeated key";
         allKeys.unite(QSet<QString>(keys.begin(), keys.end()));
     }
-    EXPECT_EQ(allKeys.size(), 47);
+    EXPECT_EQ(allKeys.size(), 50);
 }
 
 TEST(StringTables, TheManagerHoldsExactlyTheCompiledTables)
@@ -197,15 +214,41 @@ TEST(StringTables, PlaceholdersAreKept)
 TEST(StringTables, InstructionsAreThreeNumberedStepsNamingTheProduct)
 {
     for (const auto& table : tableFiles()) {
-        const auto member = std::find_if(table.members.begin(), table.members.end(),
-                                         [](const JsonMember& m) { return m.first == kInstructionKey; });
-        ASSERT_NE(member, table.members.end()) << table.label();
-        const QStringList steps = member->second.split(u'\n');
-        ASSERT_EQ(steps.size(), 3) << table.label();
-        for (qsizetype i = 0; i < steps.size(); ++i) {
-            EXPECT_TRUE(steps[i].startsWith(QStringLiteral("%1. ").arg(i + 1))) << table.label() << " step " << i + 1;
+        expectThreeNumberedStepsNaming(table, kInstructionKey, QStringLiteral("'Orvanta'"));
+    }
+}
+
+TEST(StringTables, TakenKeysStepsAreThreeNumberedStepsNamingTheProduct)
+{
+    for (const auto& table : tableFiles()) {
+        expectThreeNumberedStepsNaming(table, kKeysTakenKey, QStringLiteral("Orvanta"));
+    }
+}
+
+TEST(StringTables, TheVolumeKeyNotesAreSingleParagraphs)
+{
+    for (const auto& table : tableFiles()) {
+        for (const QStringView key : {kKeysTakenReasonKey, kKeysWaylandKey}) {
+            const auto text = textOf(table, key);
+            if (!text) {
+                ADD_FAILURE() << table.label() << " / " << key.toString().toStdString() << " missing";
+                continue;
+            }
+            EXPECT_FALSE(text->contains(u'\n')) << table.label() << " / " << key.toString().toStdString();
         }
-        EXPECT_TRUE(member->second.contains(QStringLiteral("'Orvanta'"))) << table.label();
+    }
+}
+
+TEST(StringTables, TheWaylandNoteNamesBothSessionKindsAsTheyAre)
+{
+    for (const auto& table : tableFiles()) {
+        const auto text = textOf(table, kKeysWaylandKey);
+        if (!text) {
+            ADD_FAILURE() << table.label() << " / " << kKeysWaylandKey.toString().toStdString() << " missing";
+            continue;
+        }
+        EXPECT_TRUE(text->contains(QStringLiteral("Wayland"))) << table.label();
+        EXPECT_TRUE(text->contains(QStringLiteral("X11"))) << table.label();
     }
 }
 
