@@ -473,7 +473,11 @@ OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
     declaredByStacked.erase(name);
     labels.erase(name);
     server->setRestorePlan({});
-    return server->unloadModule(ownerModule) ? noErr : writeFailure();
+    if (!server->unloadModule(ownerModule)) {
+        return writeFailure();
+    }
+    server->waitUntilSinkGone(name);
+    return noErr;
 }
 
 DeclaredLatencies PulseAudioHardware::declaredLatencies(const std::string& stackedName)

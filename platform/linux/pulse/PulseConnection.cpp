@@ -5,6 +5,7 @@
 #include <sys/time.h>
 
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace orvanta::pulse {
@@ -229,7 +230,11 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
 {
     auto* connection = static_cast<PulseConnection*>(self);
     const auto facility = type & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
-    const bool removed = (type & PA_SUBSCRIPTION_EVENT_TYPE_MASK) == PA_SUBSCRIPTION_EVENT_REMOVE;
+    const auto kind = type & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
+    const bool removed = kind == PA_SUBSCRIPTION_EVENT_REMOVE;
+    if (kind == PA_SUBSCRIPTION_EVENT_NEW) {
+        connection->mirror.announceNew(static_cast<pa_subscription_event_type_t>(facility), index);
+    }
     pa_operation* op = nullptr;
     switch (facility) {
     case PA_SUBSCRIPTION_EVENT_SINK:
@@ -369,6 +374,8 @@ std::optional<std::uint32_t> PulseConnection::loadModule(const std::string& name
         return std::nullopt;
     }
     pa_threaded_mainloop_lock(loop);
+    // The server just gave out this index, whatever it meant before.
+    mirror.announceNew(PA_SUBSCRIPTION_EVENT_MODULE, pending->index);
     mirror.addModule({pending->index, name, arguments});
     pa_threaded_mainloop_unlock(loop);
     return pending->index;
@@ -469,6 +476,21 @@ bool PulseConnection::refreshSink(const std::string& sinkName)
             return pa_context_get_sink_info_by_name(ctx, sinkName.c_str(), sinkFetchCallback, userdata);
         },
         *pending, fetch);
+}
+
+bool PulseConnection::waitUntilSinkGone(const std::string& sinkName)
+{
+    const auto deadline = std::chrono::steady_clock::now() + kWriteBound;
+    while (std::chrono::steady_clock::now() < deadline) {
+        if (state() != State::Ready) {
+            return true; // a server that is gone has no sinks
+        }
+        if (!refreshSink(sinkName)) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
 }
 
 // ---- writes that do not wait ----

@@ -62,6 +62,9 @@ public:
     bool setDefaultSink(const std::string& sinkName);
     // Fetches one sink into the mirror now, rather than when its announcement arrives.
     bool refreshSink(const std::string& sinkName);
+    // Waits until the server no longer has a sink of that name. A server may take a moment to
+    // let go of a removed sink, and a new one of the same name must not meet the old one.
+    bool waitUntilSinkGone(const std::string& sinkName);
     // Unloads a module after a delay, on the connection's thread, without waiting for it.
     void unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay);
 

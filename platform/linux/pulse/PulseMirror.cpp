@@ -61,6 +61,23 @@ void PulseMirror::addModule(const ModuleRecord& module)
     }
 }
 
+void PulseMirror::announceNew(pa_subscription_event_type_t facility, std::uint32_t index)
+{
+    switch (facility) {
+    case PA_SUBSCRIPTION_EVENT_SINK:
+        removedSinks.erase(index);
+        break;
+    case PA_SUBSCRIPTION_EVENT_SOURCE:
+        removedSources.erase(index);
+        break;
+    case PA_SUBSCRIPTION_EVENT_MODULE:
+        removedModules.erase(index);
+        break;
+    default:
+        break;
+    }
+}
+
 void PulseMirror::removeSink(std::uint32_t index)
 {
     sinks.erase(index);

@@ -50,6 +50,9 @@ public:
     void update(const pa_source_info& info);
     void update(const pa_module_info& info);
     void addModule(const ModuleRecord& module);
+    // A server may hand out a removed object's index again; its announcement of a new object
+    // lifts the block on that index.
+    void announceNew(pa_subscription_event_type_t facility, std::uint32_t index);
     void removeSink(std::uint32_t index);
     void removeSource(std::uint32_t index);
     void removeModule(std::uint32_t index);
@@ -63,8 +66,7 @@ public:
     std::set<std::uint32_t> retiringModules;
 
 private:
-    // Indices are not reused while the server runs, so an info reply that arrives after the
-    // object's removal must not bring it back.
+    // An info reply that arrives after the object's removal must not bring it back.
     std::set<std::uint32_t> removedSinks;
     std::set<std::uint32_t> removedSources;
     std::set<std::uint32_t> removedModules;
