@@ -1,23 +1,100 @@
-// Orvanta's entry point. For now it chooses the sound system and prints the output devices
-// the audio layer finds there.
+// Orvanta's entry point: one instance per session, the sound system and the platform services
+// chosen once, then the application shell with its main window and tray icon.
 
 #include "AudioBackend.h"
-#include "CatalogueReport.h"
+#include "BuildBundleInfo.h"
+#include "DesktopWorkspace.h"
+#include "JsonFileUserDefaults.h"
+#include "MessageBoxAlerts.h"
+#include "NetworkHttpClient.h"
+#include "XdgAutostartLoginItems.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
+#include "i18n/LanguageManager.h"
+#include "services/PlatformServices.h"
+#include "services/SimAccessibilityTrust.h"
+#include "services/SimEventTap.h"
+#include "state/AppState.h"
+#include "state/MediaKeyManager.h"
+#include "ui/OrvantaApp.h"
+#include "ui/SingleInstance.h"
+#include "update/UpdateChecker.h"
+
+#include <QApplication>
 
 #include <cstdio>
 
-int main()
+#ifndef ORVANTA_VERSION
+#define ORVANTA_VERSION ""
+#endif
+
+int main(int argc, char** argv)
 {
     using namespace orvanta;
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("orvanta"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Orvanta"));
+    QApplication::setApplicationVersion(QStringLiteral(ORVANTA_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("orvanta"));
+
+    // A second launch shows the running instance's window and ends here.
+    ui::SingleInstance instance;
+    switch (instance.claim()) {
+    case ui::SingleInstance::Claim::First:
+        break;
+    case ui::SingleInstance::Claim::Notified:
+        std::printf("Orvanta is already running: its window was brought to the front.\n");
+        return 0;
+    case ui::SingleInstance::Claim::Silent:
+        std::fprintf(stderr, "orvanta: another instance holds %s but does not answer\n",
+                     qPrintable(instance.lockPath()));
+        return 1;
+    }
+
     auto backend = app::chooseAudioBackend();
     if (!backend.hardware) {
         std::fprintf(stderr, "orvanta: %s\n", backend.error.c_str());
         return 2;
     }
     std::printf("%s\n", backend.description.c_str());
+    std::fflush(stdout);
     audio::AudioWrapper::usePlatform(*backend.hardware, core::standardOutputLog());
-    std::fputs(app::catalogueReport(audio::AudioWrapper::shared()).c_str(), stdout);
-    return 0;
+
+    linux_platform::JsonFileUserDefaults userDefaults;
+    linux_platform::XdgAutostartLoginItems loginItems(linux_platform::XdgAutostartLoginItems::defaultEntryPath(),
+                                                      QCoreApplication::applicationFilePath());
+    // The desktop's own permission check and volume-key grab are not built yet: the program asks
+    // for the permission (which never arrives) and its key tap sees no keys.
+    sim::SimAccessibilityTrust trust;
+    sim::SimEventTap eventTap;
+    linux_platform::NetworkHttpClient http;
+    linux_platform::MessageBoxAlerts alerts;
+    linux_platform::DesktopWorkspace workspace;
+    linux_platform::BuildBundleInfo bundle(QStringLiteral(ORVANTA_VERSION));
+
+    auto& services = platform::PlatformServices::current();
+    services.userDefaults = &userDefaults;
+    services.loginItems = &loginItems;
+    services.accessibilityTrust = &trust;
+    services.eventTap = &eventTap;
+    services.http = &http;
+    services.alerts = &alerts;
+    services.workspace = &workspace;
+    services.bundle = &bundle;
+
+    ui::ViewServices views{audio::AudioWrapper::shared(),
+                           state::MediaKeyManager::shared(),
+                           trust,
+                           alerts,
+                           workspace,
+                           &bundle,
+                           QString::fromStdString(backend.description)};
+    ui::OrvantaApp shell([]() -> i18n::LanguageManager& { return i18n::LanguageManager::shared(); },
+                         []() -> state::AppState& { return state::AppState::shared(); },
+                         ui::ShellServices{views, update::UpdateChecker::shared(), {}, {}});
+    update::UpdateChecker::setSharedTranslator(
+        [&lang = shell.languageManager()](const QString& key) { return lang.translate(key); });
+    QObject::connect(&instance, &ui::SingleInstance::activationRequested, &shell, &ui::OrvantaApp::showMainWindow);
+    shell.start();
+    return QApplication::exec();
 }

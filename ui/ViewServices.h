@@ -1,0 +1,36 @@
+#pragma once
+
+// What the views use besides AppState and the language manager: the audio layer for the main
+// window's three direct questions, the volume-key tap, the permission prompt, dialogs, the
+// browser and the build's version. main() hands in the process's own; tests hand in simulated
+// ones.
+
+#include <QString>
+
+namespace orvanta::audio {
+class AudioWrapper;
+}
+namespace orvanta::state {
+class MediaKeyManager;
+}
+namespace orvanta::platform {
+class AccessibilityTrust;
+class Alerts;
+class BundleInfo;
+class Workspace;
+} // namespace orvanta::platform
+
+namespace orvanta::ui {
+
+struct ViewServices
+{
+    audio::AudioWrapper& audio;
+    state::MediaKeyManager& mediaKeys;
+    platform::AccessibilityTrust& trust;
+    platform::Alerts& alerts;
+    platform::Workspace& workspace;
+    platform::BundleInfo* bundle = nullptr; // no version label without it
+    QString soundSystem;                    // the line saying which sound system is in use, if any
+};
+
+} // namespace orvanta::ui

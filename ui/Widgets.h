@@ -1,0 +1,106 @@
+#pragma once
+
+// Small building blocks of the views: a one-line label that elides, a rounded coloured panel,
+// the status dot, a divider, and a slider that jumps to where it is clicked.
+
+#include "Theme.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QSlider>
+#include <QWidget>
+
+namespace orvanta::ui {
+
+// One line of text, cut with an ellipsis when it does not fit.
+class ElidedLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    explicit ElidedLabel(QWidget* parent = nullptr);
+
+    void setFullText(const QString& text);
+    QString fullText() const { return full; }
+
+    QSize minimumSizeHint() const override;
+    QSize sizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void elide();
+
+    QString full;
+};
+
+// A panel drawn as a rounded rectangle of one colour; holds a layout like any widget.
+class RoundedPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    RoundedPanel(Tint tint, qreal opacity, qreal radius, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Tint color;
+    qreal alpha;
+    qreal cornerRadius;
+};
+
+// The panel's status dot: green while sync is on, gray otherwise.
+class StatusDot : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit StatusDot(QWidget* parent = nullptr);
+
+    void setOn(bool on);
+    bool isOn() const { return lit; }
+
+    QSize sizeHint() const override { return {8, 8}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool lit = false;
+};
+
+QFrame* makeDivider(QWidget* parent = nullptr);
+
+// A horizontal slider whose knob goes straight to a click on the track and is dragged from there,
+// so that a click is one edit with a beginning and an end, as a drag is.
+class DirectSlider : public QSlider
+{
+    Q_OBJECT
+
+public:
+    explicit DirectSlider(QWidget* parent = nullptr);
+
+    // True while a mouse press is being handled, before the drag it may start is announced.
+    bool isHandlingPress() const { return handlingPress; }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    bool handlingPress = false;
+};
+
+// Aligns the label's text by the layout's direction, not by the direction of the text itself:
+// a device name in Latin letters still starts at the right edge of a right-to-left window.
+// alignment is logical (Qt::AlignLeading, Qt::AlignTrailing, ...).
+void alignByLayout(QLabel* label, Qt::Alignment alignment);
+
+// Draws the widget's text in tint, worked out again from its palette whenever that changes
+// (a switch between light and dark), so the colour stays legible on the new background.
+void applyTint(QWidget* widget, Tint tint);
+
+} // namespace orvanta::ui
