@@ -7,13 +7,13 @@
 #include "JsonFileUserDefaults.h"
 #include "MessageBoxAlerts.h"
 #include "NetworkHttpClient.h"
+#include "X11AccessibilityTrust.h"
+#include "X11EventTap.h"
 #include "XdgAutostartLoginItems.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
 #include "i18n/LanguageManager.h"
 #include "services/PlatformServices.h"
-#include "services/SimAccessibilityTrust.h"
-#include "services/SimEventTap.h"
 #include "state/AppState.h"
 #include "state/MediaKeyManager.h"
 #include "ui/OrvantaApp.h"
@@ -21,6 +21,7 @@
 #include "update/UpdateChecker.h"
 
 #include <QApplication>
+#include <QGuiApplication>
 
 #include <cstdio>
 
@@ -63,10 +64,12 @@ int main(int argc, char** argv)
     linux_platform::JsonFileUserDefaults userDefaults;
     linux_platform::XdgAutostartLoginItems loginItems(linux_platform::XdgAutostartLoginItems::defaultEntryPath(),
                                                       QCoreApplication::applicationFilePath());
-    // The desktop's own permission check and volume-key grab are not built yet: the program asks
-    // for the permission (which never arrives) and its key tap sees no keys.
-    sim::SimAccessibilityTrust trust;
-    sim::SimEventTap eventTap;
+    // The volume keys are taken on the X11 display; without one (Wayland, no display) there is
+    // no connection, the program is never trusted and the permission banner says why.
+    auto* x11Native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    x11::X11VolumeKeys volumeKeys(x11Native ? x11Native->connection() : nullptr);
+    x11::X11AccessibilityTrust trust(volumeKeys);
+    x11::X11EventTap eventTap(volumeKeys);
     linux_platform::NetworkHttpClient http;
     linux_platform::MessageBoxAlerts alerts;
     linux_platform::DesktopWorkspace workspace;

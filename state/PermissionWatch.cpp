@@ -4,21 +4,15 @@
 #include "services/AccessibilityTrust.h"
 #include "services/LoginItems.h"
 
-#include <QPointer>
-
 namespace orvanta::state {
 
 void AppState::startPermissionTimer()
 {
     auto timer = std::make_unique<QTimer>();
     timer->setInterval(kPermissionPollInterval);
-    QPointer<AppState> self(this);
-    // Every tick assigns, so observers hear from the flag once a second even when it holds.
-    QObject::connect(timer.get(), &QTimer::timeout, this, [self] {
-        if (self) {
-            self->setTrusted(self->services.trust.isProcessTrusted());
-        }
-    });
+    // The timer belongs to this object and stops with it. Every tick assigns, so observers hear
+    // from the flag once a second even when it holds.
+    QObject::connect(timer.get(), &QTimer::timeout, this, [this] { setTrusted(services.trust.isProcessTrusted()); });
     timer->start();
     permissionTimer = std::move(timer);
 }

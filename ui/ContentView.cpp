@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -466,7 +467,13 @@ void ContentView::redraw()
 
     banner->parentWidget()->setVisible(!appState.isTrusted());
     bannerTitle->setText(tr("Permission Required"));
-    bannerText->setText(tr("instruction_text"));
+    // On X11 the keys are held by another program until the user frees them; a session without
+    // X11 cannot give them to any program, which is worth saying plainly.
+    if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
+        bannerText->setText(tr("keys_taken_reason") + u'\n' + tr("keys_taken_text"));
+    } else {
+        bannerText->setText(tr("keys_wayland_text"));
+    }
     settingsButton->setText(tr("Open System Settings"));
 
     outputsTitle->setText(tr("Audio Outputs"));
