@@ -1,5 +1,7 @@
 #include "ContentView.h"
 
+#include "RedrawOnChanges.h"
+
 #include "SpeakerBlock.h"
 #include "Symbols.h"
 #include "ToggleSwitch.h"
@@ -187,18 +189,8 @@ ContentView::ContentView(i18n::LanguageManager& languageManager, state::AppState
     build();
 
     // Any announced change redraws the whole column, as a declarative view would.
-    const auto redrawOn = [this](auto signal) { connect(&appState, signal, this, &ContentView::redraw); };
-    redrawOn(&state::AppState::devicesChanged);
-    redrawOn(&state::AppState::selectedDevice1Changed);
-    redrawOn(&state::AppState::selectedDevice2Changed);
-    redrawOn(&state::AppState::isQuellonOnChanged);
-    redrawOn(&state::AppState::volume1Changed);
-    redrawOn(&state::AppState::volume2Changed);
-    redrawOn(&state::AppState::bluetoothDelaysChanged);
-    redrawOn(&state::AppState::manualBluetoothOverridesChanged);
-    redrawOn(&state::AppState::launchAtLoginChanged);
+    redrawOnChanges(appState, lang, this, &ContentView::redraw);
     connect(&appState, &state::AppState::isTrustedChanged, this, &ContentView::trustChanged);
-    connect(&lang, &i18n::LanguageManager::currentLanguageChanged, this, &ContentView::redraw);
     redraw();
 }
 

@@ -1,5 +1,7 @@
 #include "MenuBarView.h"
 
+#include "RedrawOnChanges.h"
+
 #include "MainWindowLookup.h"
 #include "SpeakerBlock.h"
 #include "Symbols.h"
@@ -253,17 +255,7 @@ MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& language
     });
     column->addWidget(quitButton, 0, Qt::AlignLeading);
 
-    const auto redrawOn = [this](auto signal) { connect(&appState, signal, this, &MenuBarView::redraw); };
-    redrawOn(&state::AppState::devicesChanged);
-    redrawOn(&state::AppState::selectedDevice1Changed);
-    redrawOn(&state::AppState::selectedDevice2Changed);
-    redrawOn(&state::AppState::isQuellonOnChanged);
-    redrawOn(&state::AppState::volume1Changed);
-    redrawOn(&state::AppState::volume2Changed);
-    redrawOn(&state::AppState::bluetoothDelaysChanged);
-    redrawOn(&state::AppState::manualBluetoothOverridesChanged);
-    redrawOn(&state::AppState::launchAtLoginChanged);
-    connect(&lang, &i18n::LanguageManager::currentLanguageChanged, this, &MenuBarView::redraw);
+    redrawOnChanges(appState, lang, this, &MenuBarView::redraw);
     redraw();
 }
 
