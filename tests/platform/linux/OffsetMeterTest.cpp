@@ -30,12 +30,13 @@ struct Case
     int secondaryMs;
 };
 
-class OffsetMeter : public ::testing::TestWithParam<Case>
+// A private server with the meter rig and the audio layer over it.
+class MeterRig
 {
 protected:
-    void SetUp() override
+    void startRig(Kind kind)
     {
-        server = std::make_unique<SoundServer>(GetParam().server);
+        server = std::make_unique<SoundServer>(kind);
         ASSERT_TRUE(server->start());
         ASSERT_TRUE(loadMeterRig(*server));
         auto connection = std::make_unique<pulse::PulseConnection>();
@@ -48,6 +49,18 @@ protected:
     core::CollectedLines printed;
     std::unique_ptr<pulse::PulseAudioHardware> hardware;
     std::unique_ptr<audio::AudioWrapper> audio;
+};
+
+class OffsetMeter : public ::testing::TestWithParam<Case>, protected MeterRig
+{
+protected:
+    void SetUp() override { startRig(GetParam().server); }
+};
+
+class LiveChange : public ::testing::TestWithParam<Kind>, protected MeterRig
+{
+protected:
+    void SetUp() override { startRig(GetParam()); }
 };
 
 TEST_P(OffsetMeter, MembersAreOffsetByTheirDeclaredDelaysInTheRightDirection)
@@ -63,26 +76,22 @@ TEST_P(OffsetMeter, MembersAreOffsetByTheirDeclaredDelaysInTheRightDirection)
     EXPECT_NEAR(*offset, expected, 1.0) << SoundServer::name(kind) << " measured " << *offset << " ms";
 }
 
-TEST_P(OffsetMeter, ALiveChangeMovesTheOffset)
+TEST_P(LiveChange, MovesTheOffset)
 {
-    const auto [kind, primaryMs, secondaryMs] = GetParam();
-    if (primaryMs != 0 || secondaryMs != 150) {
-        GTEST_SKIP() << "measured once per server";
-    }
+    const Kind kind = GetParam();
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
     audio->setRuntimeLatency("mB", 150);
-    QThread::msleep(400); // the replaced loopback hands over
+    // The replaced loopback hands over at once; a new loopback on PipeWire may take up to about
+    // two seconds to settle on its latency, which is what this measures once it has.
+    QThread::msleep(2500);
     const auto offset = measureOffsetMs(*server);
     ASSERT_TRUE(offset.has_value());
     EXPECT_NEAR(*offset, 150.0, 1.0) << SoundServer::name(kind);
 }
 
-TEST_P(OffsetMeter, ALiveChangeLeavesNoGap)
+TEST_P(LiveChange, LeavesNoGap)
 {
-    const auto [kind, primaryMs, secondaryMs] = GetParam();
-    if (primaryMs != 0 || secondaryMs != 600) {
-        GTEST_SKIP() << "measured once per server";
-    }
+    const Kind kind = GetParam();
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
     const auto silence = longestSilenceMs(*server, [this] { audio->setRuntimeLatency("mB", 600); });
     ASSERT_TRUE(silence.has_value());
@@ -104,6 +113,9 @@ INSTANTIATE_TEST_SUITE_P(Delays, OffsetMeter,
                                            Case{Kind::PipeWire, 0, 150}, Case{Kind::PipeWire, 0, 600},
                                            Case{Kind::PipeWire, 150, 0}, Case{Kind::PipeWire, 600, 0}),
                          caseName);
+
+INSTANTIATE_TEST_SUITE_P(Servers, LiveChange, ::testing::Values(Kind::PulseAudio, Kind::PipeWire),
+                         [](const auto& param) { return std::string(SoundServer::name(param.param)); });
 
 } // namespace
 } // namespace orvanta::testing
