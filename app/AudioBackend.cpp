@@ -1,5 +1,7 @@
 #include "AudioBackend.h"
 
+#include "PipeWireAudioHardware.h"
+#include "PipeWireLoop.h"
 #include "PulseAudioHardware.h"
 #include "PulseConnection.h"
 #include "sim/DeviceDescription.h"
@@ -49,12 +51,32 @@ AudioBackend simulatedBackend(const std::string& reason)
 // How long start-up waits for the sound server to answer.
 constexpr std::chrono::milliseconds kServerAnswerBound{1500};
 
+// A sound server answers through libpulse either way; it is PipeWire when its pulse server
+// says so and PipeWire's own daemon answers too, and then Orvanta hosts the stacked device.
+bool isPipeWire(const pulse::PulseConnection& connection)
+{
+    return connection.withMirror(
+        [](const pulse::PulseMirror& mirror) { return mirror.serverName.find("PipeWire") != std::string::npos; });
+}
+
 AudioBackend serverBackend(std::unique_ptr<pulse::PulseConnection> connection, bool answered)
 {
     AudioBackend backend;
+    if (answered && isPipeWire(*connection)) {
+        if (auto session = pipewire::PipeWireLoop::connect()) {
+            backend.hardware =
+                std::make_unique<pipewire::PipeWireAudioHardware>(std::move(connection), std::move(session));
+            backend.description = "Using PipeWire";
+            return backend;
+        }
+    }
+    const bool pipeWireServer = answered && isPipeWire(*connection);
     backend.hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
-    backend.description =
-        answered ? "Using the sound server" : "The sound server does not answer yet; Orvanta will connect when it does";
+    if (!answered) {
+        backend.description = "The sound server does not answer yet; Orvanta will connect when it does";
+    } else {
+        backend.description = pipeWireServer ? "Using PipeWire's pulse server" : "Using PulseAudio";
+    }
     return backend;
 }
 

@@ -7,7 +7,7 @@ ORVANTA_PACKAGES=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-svg-dev xvfb
     libgtest-dev libgmock-dev libbenchmark-dev
-    libpulse-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus
+    libpulse-dev libpipewire-0.3-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus
     clang libclang-rt-14-dev
     xvfb xdotool libxcb1-dev dpkg-dev
 )

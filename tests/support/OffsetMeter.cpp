@@ -1,102 +1,27 @@
 #include "OffsetMeter.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QTemporaryFile>
 #include <QThread>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <numbers>
-#include <vector>
 
 namespace orvanta::testing {
 
 namespace {
 
-constexpr int kRate = 48000;
-constexpr int kClickAmplitude = 24000;
-constexpr int kClickThreshold = 8000;
-constexpr int kToneAmplitude = 16000;
-constexpr int kSilenceThreshold = 300;
-const QStringList kFourChannels{"--channel-map=front-left,front-right,rear-left,rear-right"};
+constexpr float kClickAmplitude = 0.7f;
+constexpr float kClickThreshold = 0.25f;
+constexpr long kClickQuietFrames = kMeterRate / 10; // a click follows at least 100 ms of quiet
+constexpr float kToneAmplitude = 0.5f;
+constexpr float kQuietLevel = 0.01f;
+const QString kSixChannels = "--channel-map=front-left,front-right,rear-left,rear-right,front-center,lfe";
 
-QByteArray pcm(const std::vector<std::int16_t>& samples)
-{
-    return QByteArray(reinterpret_cast<const char*>(samples.data()),
-                      static_cast<qsizetype>(samples.size() * sizeof(std::int16_t)));
-}
-
-// Two channels: silence, then one short click.
-QByteArray clickTrack()
-{
-    const int leadIn = kRate * 3 / 10;
-    std::vector<std::int16_t> samples(static_cast<std::size_t>(kRate) * 2 * 2, 0);
-    for (int i = 0; i < 48; ++i) {
-        const auto value = static_cast<std::int16_t>(i % 2 == 0 ? kClickAmplitude : -kClickAmplitude);
-        samples[static_cast<std::size_t>(leadIn + i) * 2] = value;
-        samples[static_cast<std::size_t>(leadIn + i) * 2 + 1] = value;
-    }
-    return pcm(samples);
-}
-
-// Two channels of a 440 Hz tone.
-QByteArray toneTrack(double seconds)
-{
-    const auto frames = static_cast<std::size_t>(seconds * kRate);
-    std::vector<std::int16_t> samples(frames * 2);
-    for (std::size_t i = 0; i < frames; ++i) {
-        const double phase = 2.0 * std::numbers::pi * 440.0 * static_cast<double>(i) / kRate;
-        samples[i * 2] = samples[i * 2 + 1] = static_cast<std::int16_t>(kToneAmplitude * std::sin(phase));
-    }
-    return pcm(samples);
-}
-
-std::int16_t sampleAt(const QByteArray& recording, qsizetype frame, int channel)
-{
-    std::int16_t sample = 0;
-    std::memcpy(&sample, recording.constData() + (frame * 4 + channel) * 2, sizeof sample);
-    return sample;
-}
-
-qsizetype frameCount(const QByteArray& recording)
-{
-    return recording.size() / static_cast<qsizetype>(4 * sizeof(std::int16_t));
-}
-
-std::optional<qsizetype> firstLoud(const QByteArray& recording, int channel, int threshold)
-{
-    for (qsizetype frame = 0; frame < frameCount(recording); ++frame) {
-        if (std::abs(sampleAt(recording, frame, channel)) > threshold) {
-            return frame;
-        }
-    }
-    return std::nullopt;
-}
-
-// The longest quiet stretch on a channel, in frames, from settleFrames after its first loud
-// sample to its last. The settling time keeps the start of playback, when a loopback is still
-// filling, out of the measurement.
-qsizetype longestQuiet(const QByteArray& recording, int channel, qsizetype settleFrames)
-{
-    qsizetype first = -1;
-    qsizetype last = -1;
-    for (qsizetype frame = 0; frame < frameCount(recording); ++frame) {
-        if (std::abs(sampleAt(recording, frame, channel)) > kSilenceThreshold) {
-            first = first < 0 ? frame : first;
-            last = frame;
-        }
-    }
-    qsizetype longest = 0;
-    qsizetype run = 0;
-    for (qsizetype frame = first + settleFrames; first >= 0 && frame <= last; ++frame) {
-        run = std::abs(sampleAt(recording, frame, channel)) > kSilenceThreshold ? 0 : run + 1;
-        longest = std::max(longest, run);
-    }
-    return longest;
-}
+// A stream that happens to start on the default sink would otherwise follow the default when
+// Orvanta changes it, and record or play somewhere else from then on.
+const QString kStayOnTarget = "--property=node.dont-reconnect=true";
 
 QProcessEnvironment environmentFor(const SoundServer& server)
 {
@@ -105,89 +30,210 @@ QProcessEnvironment environmentFor(const SoundServer& server)
     return env;
 }
 
-// Records hw's monitor while track plays into the stacked device; changeAfterMs after the
-// track starts, change runs. Records for tailMs after the track has been written.
-std::optional<QByteArray> record(const SoundServer& server, const QByteArray& track, int tailMs,
-                                 const std::function<void()>& change = {}, int changeAfterMs = 0)
+long frameCount(const Samples& recording)
 {
-    QProcess recorder;
-    recorder.setProcessEnvironment(environmentFor(server));
-    recorder.start("parec", QStringList{"-d", "hw.monitor", "--raw", "--format=s16le", "--rate=48000", "--channels=4",
-                                        "--latency-msec=20"} +
-                                kFourChannels);
-    if (!recorder.waitForStarted(5000)) {
+    return static_cast<long>(recording.size() / kMeterChannels);
+}
+
+float sampleAt(const Samples& recording, long frame, int channel)
+{
+    return recording[static_cast<std::size_t>(frame * kMeterChannels + channel)];
+}
+
+// The first and last frame on a channel louder than near-silence.
+std::optional<std::pair<long, long>> soundingSpan(const Samples& recording, int channel)
+{
+    long first = -1;
+    long last = -1;
+    for (long frame = 0; frame < frameCount(recording); ++frame) {
+        if (std::abs(sampleAt(recording, frame, channel)) > kQuietLevel) {
+            first = first < 0 ? frame : first;
+            last = frame;
+        }
+    }
+    if (first < 0) {
         return std::nullopt;
     }
-    QThread::msleep(300);
-    QTemporaryFile file;
-    if (!file.open() || file.write(track) != track.size() || !file.flush()) {
-        return std::nullopt;
-    }
-    QProcess player;
-    player.setProcessEnvironment(environmentFor(server));
-    player.start("pacat", {"-d", "com.quellon.stacked", "--raw", "--format=s16le", "--rate=48000", "--channels=2",
-                           "--channel-map=front-left,front-right", file.fileName()});
-    if (!player.waitForStarted(5000)) {
-        return std::nullopt;
-    }
-    if (change) {
-        QThread::msleep(static_cast<unsigned long>(changeAfterMs));
-        change();
-    }
-    player.waitForFinished(15000);
-    QByteArray recording;
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < tailMs) {
-        recorder.waitForReadyRead(50);
-        recording += recorder.readAllStandardOutput();
-    }
-    recorder.kill();
-    recorder.waitForFinished(3000);
-    return recording + recorder.readAllStandardOutput();
+    return std::make_pair(first, last);
 }
 
 } // namespace
 
 bool loadMeterRig(const SoundServer& server)
 {
-    const bool hw =
-        server.loadModule("module-null-sink", {"sink_name=hw", "channels=4", "rate=48000",
-                                               "channel_map=front-left,front-right,rear-left,rear-right"}) >= 0;
-    const bool a = server.loadModule("module-remap-sink", {"sink_name=mA", "master=hw", "channels=2",
-                                                           "master_channel_map=front-left,front-right",
-                                                           "channel_map=front-left,front-right", "remix=no"}) >= 0;
-    const bool b = server.loadModule("module-remap-sink", {"sink_name=mB", "master=hw", "channels=2",
-                                                           "master_channel_map=rear-left,rear-right",
-                                                           "channel_map=front-left,front-right", "remix=no"}) >= 0;
-    return hw && a && b;
+    const bool hw = server.loadModule("module-null-sink", {"sink_name=hw", "channels=6", "rate=48000",
+                                                           "channel_map=front-left,front-right,rear-left,rear-right,"
+                                                           "front-center,lfe"}) >= 0;
+    bool pairs = true;
+    for (const auto& [name, pair] : {std::pair{"mA", "front-left,front-right"}, std::pair{"mB", "rear-left,rear-right"},
+                                     std::pair{"ref", "front-center,lfe"}}) {
+        pairs =
+            pairs && server.loadModule("module-remap-sink", {QString("sink_name=") + name, "master=hw", "channels=2",
+                                                             QString("master_channel_map=") + pair,
+                                                             "channel_map=front-left,front-right", "remix=no"}) >= 0;
+    }
+    return hw && pairs;
+}
+
+Samples clickTrack(double seconds, const std::vector<double>& clickTimes)
+{
+    Samples samples(static_cast<std::size_t>(seconds * kMeterRate) * 2, 0.0f);
+    for (const double time : clickTimes) {
+        const auto start = static_cast<std::size_t>(time * kMeterRate);
+        for (std::size_t i = 0; i < 48 && (start + i) * 2 + 1 < samples.size(); ++i) {
+            const float value = i % 2 == 0 ? kClickAmplitude : -kClickAmplitude;
+            samples[(start + i) * 2] = samples[(start + i) * 2 + 1] = value;
+        }
+    }
+    return samples;
+}
+
+Samples toneTrack(double seconds)
+{
+    const auto frames = static_cast<std::size_t>(seconds * kMeterRate);
+    const std::size_t ramp = kMeterRate / 100;
+    Samples samples(frames * 2);
+    for (std::size_t i = 0; i < frames; ++i) {
+        const double edge = static_cast<double>(std::min({i, frames - 1 - i, ramp})) / static_cast<double>(ramp);
+        const double gain = 0.5 - 0.5 * std::cos(std::numbers::pi * edge);
+        const double phase = 2.0 * std::numbers::pi * 440.0 * static_cast<double>(i) / kMeterRate;
+        samples[i * 2] = samples[i * 2 + 1] =
+            static_cast<float>(static_cast<double>(kToneAmplitude) * gain * std::sin(phase));
+    }
+    return samples;
+}
+
+Recorder::Recorder(const SoundServer& server)
+{
+    // Straight into a file: a pipe that nobody reads while the test waits would stall it.
+    if (!file.open()) {
+        return;
+    }
+    process.setProcessEnvironment(environmentFor(server));
+    process.setStandardOutputFile(file.fileName());
+    process.start("parec",
+                  {"-d", "hw.monitor", "--raw", "--format=float32le", "--rate=48000",
+                   "--channels=" + QString::number(kMeterChannels), "--latency-msec=20", kSixChannels, kStayOnTarget});
+    running = process.waitForStarted(5000);
+    // The stream starts before the first sound it has to catch.
+    QThread::msleep(300);
+}
+
+Samples Recorder::stop(int tailMs)
+{
+    if (!running) {
+        return {};
+    }
+    QThread::msleep(static_cast<unsigned long>(tailMs));
+    process.terminate();
+    if (!process.waitForFinished(3000)) {
+        process.kill();
+        process.waitForFinished(3000);
+    }
+    const QByteArray bytes = file.readAll();
+    const auto whole = static_cast<std::size_t>(bytes.size()) / (sizeof(float) * kMeterChannels) * kMeterChannels;
+    Samples samples(whole);
+    std::memcpy(samples.data(), bytes.constData(), whole * sizeof(float));
+    return samples;
+}
+
+Player::Player(const SoundServer& server, const Samples& track, const QString& sink)
+{
+    const auto size = static_cast<qint64>(track.size() * sizeof(float));
+    if (!file.open() || file.write(reinterpret_cast<const char*>(track.data()), size) != size || !file.flush()) {
+        return;
+    }
+    process.setProcessEnvironment(environmentFor(server));
+    process.start("pacat", {"-d", sink, "--raw", "--format=float32le", "--rate=48000", "--channels=2",
+                            "--channel-map=front-left,front-right", kStayOnTarget, file.fileName()});
+    running = process.waitForStarted(5000);
+}
+
+bool Player::waitUntilDone()
+{
+    return running && process.waitForFinished(30000) && process.exitCode() == 0;
+}
+
+std::vector<long> clickOnsets(const Samples& recording, int channel)
+{
+    std::vector<long> onsets;
+    long quiet = kClickQuietFrames;
+    for (long frame = 0; frame < frameCount(recording); ++frame) {
+        if (std::abs(sampleAt(recording, frame, channel)) <= kClickThreshold) {
+            ++quiet;
+            continue;
+        }
+        if (quiet >= kClickQuietFrames) {
+            onsets.push_back(frame);
+        }
+        quiet = 0;
+    }
+    return onsets;
+}
+
+std::optional<ToneCheck> checkTone(const Samples& recording, int channel)
+{
+    const auto span = soundingSpan(recording, channel);
+    if (!span || span->second - span->first < kMeterRate / 2) {
+        return std::nullopt;
+    }
+    ToneCheck check;
+    long run = 0;
+    for (long frame = 0; frame < frameCount(recording); ++frame) {
+        const float sample = sampleAt(recording, frame, channel);
+        check.finiteWithinScale = check.finiteWithinScale && std::isfinite(sample) && std::abs(sample) <= 1.0f;
+        if (frame < span->first || frame > span->second) {
+            continue;
+        }
+        run = std::abs(sample) > kQuietLevel ? 0 : run + 1;
+        check.longestGapMs = std::max(check.longestGapMs, static_cast<double>(run) * 1000.0 / kMeterRate);
+        if (frame > span->first) {
+            const double step = std::abs(static_cast<double>(sample - sampleAt(recording, frame - 1, channel)));
+            check.largestStep = std::max(check.largestStep, step);
+            // 50 to 250 ms after the tone starts: past its fade-in, before any change.
+            if (frame > span->first + kMeterRate / 20 && frame < span->first + kMeterRate / 4) {
+                check.toneStep = std::max(check.toneStep, step);
+            }
+        }
+    }
+    return check;
 }
 
 std::optional<double> measureOffsetMs(const SoundServer& server)
 {
-    // The later copy of the click comes at most the longest loopback latency after the first.
-    const auto recording = record(server, clickTrack(), 1200);
-    if (!recording) {
+    Recorder recorder(server);
+    Player player(server, clickTrack(1.0, {0.3}));
+    if (!recorder.started() || !player.waitUntilDone()) {
         return std::nullopt;
     }
-    const auto primary = firstLoud(*recording, 0, kClickThreshold);
-    const auto secondary = firstLoud(*recording, 2, kClickThreshold);
-    if (!primary || !secondary) {
+    // The later copy of the click comes at most the longest hold-back after the first.
+    const auto recording = recorder.stop(1000);
+    const auto a = clickOnsets(recording, kMemberA);
+    const auto b = clickOnsets(recording, kMemberB);
+    if (a.size() != 1 || b.size() != 1) {
         return std::nullopt;
     }
-    return static_cast<double>(*primary - *secondary) * 1000.0 / kRate;
+    return static_cast<double>(a.front() - b.front()) * 1000.0 / kMeterRate;
 }
 
-std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change)
+std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change,
+                                       int changeAfterMs)
 {
-    const auto recording = record(server, toneTrack(2.5), 1200, change, 500);
-    if (!recording || !firstLoud(*recording, 0, kSilenceThreshold) || !firstLoud(*recording, 2, kSilenceThreshold)) {
+    Recorder recorder(server);
+    Player player(server, toneTrack(changeAfterMs / 1000.0 + 1.5));
+    if (!recorder.started() || !player.started()) {
         return std::nullopt;
     }
-    constexpr qsizetype kSettleFrames = kRate / 5;
-    const auto longest =
-        std::max(longestQuiet(*recording, 0, kSettleFrames), longestQuiet(*recording, 2, kSettleFrames));
-    return static_cast<double>(longest) * 1000.0 / kRate;
+    QThread::msleep(static_cast<unsigned long>(changeAfterMs));
+    change();
+    player.waitUntilDone();
+    const auto recording = recorder.stop(1000);
+    const auto a = checkTone(recording, kMemberA);
+    const auto b = checkTone(recording, kMemberB);
+    if (!a || !b) {
+        return std::nullopt;
+    }
+    return std::max(a->longestGapMs, b->longestGapMs);
 }
 
 } // namespace orvanta::testing

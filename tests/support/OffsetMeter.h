@@ -1,25 +1,88 @@
 #pragma once
 
-// A meter for what the user hears from a stacked device, on a private sound server. Both
-// members are remaps of one 4-channel null sink ("hw"): member "mA" plays on its front pair,
-// "mB" on its rear pair. Recording hw's monitor in one stream times both members by the same
-// clock, to the frame.
+// A meter for what the user hears from a stacked device, on a private sound server. The
+// members are remaps of one 6-channel null sink ("hw"): member "mA" plays on its front pair,
+// "mB" on its rear pair, and a plain sink "ref" outside the stacked device on the centre pair.
+// Recording hw's monitor in one stream times all three by the same clock, to the frame.
 
 #include "support/SoundServer.h"
 
+#include <QProcess>
+#include <QTemporaryFile>
+
 #include <functional>
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace orvanta::testing {
 
-// Loads hw, mA and mB.
+inline constexpr int kMeterRate = 48000;
+inline constexpr int kMeterChannels = 6;
+// The first channel of each pair in a recording.
+inline constexpr int kMemberA = 0;
+inline constexpr int kMemberB = 2;
+inline constexpr int kReference = 4;
+
+// Interleaved float samples: stereo for a track, kMeterChannels for a recording.
+using Samples = std::vector<float>;
+
+// Loads hw, mA, mB and ref.
 bool loadMeterRig(const SoundServer& server);
+
+// Silence with a short click at each of the given times (in seconds).
+Samples clickTrack(double seconds, const std::vector<double>& clickTimes);
+// A 440 Hz tone at half scale, faded in and out over 10 ms so that its ends are no clicks.
+Samples toneTrack(double seconds);
+
+// Records hw's monitor from construction until stop().
+class Recorder
+{
+public:
+    explicit Recorder(const SoundServer& server);
+    bool started() const { return running; }
+    // Keeps recording for tailMs more, then gives everything recorded.
+    Samples stop(int tailMs);
+
+private:
+    QTemporaryFile file;
+    QProcess process;
+    bool running = false;
+};
+
+// Plays a track into a sink, in the background, as a player process would.
+class Player
+{
+public:
+    Player(const SoundServer& server, const Samples& track, const QString& sink = "com.quellon.stacked");
+    bool started() const { return running; }
+    bool waitUntilDone();
+
+private:
+    QTemporaryFile file;
+    QProcess process;
+    bool running = false;
+};
+
+// The first frame of every click on a recording's channel.
+std::vector<long> clickOnsets(const Samples& recording, int channel);
+
+// How a steady tone came through on a channel, from its first sound to its last.
+struct ToneCheck
+{
+    double longestGapMs = 0;       // the longest run of near-silence
+    double largestStep = 0;        // the largest change between two samples
+    double toneStep = 0;           // the largest such change in the undisturbed tone
+    bool finiteWithinScale = true; // every sample finite and within [-1, 1]
+};
+std::optional<ToneCheck> checkTone(const Samples& recording, int channel);
 
 // Plays a click into the stacked device: the time mA plays it minus the time mB does, in ms.
 std::optional<double> measureOffsetMs(const SoundServer& server);
 
-// Plays a steady tone into the stacked device, runs change 0.5 s in, and gives the longest
-// stretch, in ms, in which either member fell silent.
-std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change);
+// Plays a steady tone into the stacked device, runs change changeAfterMs in, and gives the
+// longest stretch, in ms, in which either member fell silent.
+std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change,
+                                       int changeAfterMs = 1000);
 
 } // namespace orvanta::testing

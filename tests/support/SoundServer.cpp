@@ -12,6 +12,8 @@ SoundServer::SoundServer(Kind kind) : serverKind(kind)
 {
     QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("PULSE_SERVER", serverAddress().toUtf8());
+    // This process's own PipeWire clients find this server's daemon, and only it.
+    qputenv("PIPEWIRE_RUNTIME_DIR", runtime.path().toUtf8());
 }
 
 SoundServer::~SoundServer()
@@ -39,6 +41,8 @@ QProcessEnvironment SoundServer::environment() const
     env.insert("PULSE_SERVER", serverAddress());
     env.insert("PULSE_RUNTIME_PATH", runtime.path() + "/pulse");
     env.insert("PIPEWIRE_RUNTIME_DIR", runtime.path());
+    // The session manager keeps what it learns (the chosen default sink) per server, not per user.
+    env.insert("XDG_STATE_HOME", runtime.path() + "/state");
     if (!sessionBus.isEmpty()) {
         env.insert("DBUS_SESSION_BUS_ADDRESS", sessionBus);
     }

@@ -1,5 +1,6 @@
 #include "PulseAudioHardware.h"
 
+#include "AggregateDescription.h"
 #include "ModuleArguments.h"
 #include "PulseObjects.h"
 #include "hal/PropertyTable.h"
@@ -181,34 +182,6 @@ std::string nullSinkArguments(const std::string& sinkName, const std::string& la
 {
     return formatModuleArguments(
         {{"sink_name", sinkName}, {"sink_properties", "device.description=\"" + label + "\""}});
-}
-
-struct Member
-{
-    std::string uid;
-    double frames = 0;
-};
-
-std::optional<std::vector<Member>> membersOf(const PropertyList& description)
-{
-    const auto* list = description.find(kAudioAggregateDeviceSubDeviceListKey);
-    if (!list) {
-        return std::vector<Member>{};
-    }
-    if (!list->asArray()) {
-        return std::nullopt;
-    }
-    std::vector<Member> members;
-    for (const auto& entry : *list->asArray()) {
-        const auto* uid = entry.find(kAudioSubDeviceUIDKey);
-        const auto* latency = entry.find(kAudioSubDeviceOutputLatencyKey);
-        if (!uid || !uid->asString()) {
-            return std::nullopt;
-        }
-        members.push_back({*uid->asString(),
-                           latency && latency->asInteger() ? static_cast<double>(latency->asInteger()->value) : 0.0});
-    }
-    return members;
 }
 
 } // namespace
@@ -400,14 +373,13 @@ OSStatus PulseAudioHardware::setSinkVolume(AudioObjectID sinkID, AudioObjectProp
 
 OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& description, AudioObjectID& outDeviceID)
 {
-    const auto* uid = description.find(kAudioAggregateDeviceUIDKey);
-    const auto* name = description.find(kAudioAggregateDeviceNameKey);
-    const auto members = membersOf(description);
-    if (!uid || !uid->asString() || uid->asString()->empty() || !members) {
+    const auto composition = readAggregateDescription(description);
+    if (!composition) {
         return kAudioHardwareIllegalOperationError;
     }
-    const std::string& sinkName = *uid->asString();
-    const std::string label = name && name->asString() ? *name->asString() : sinkName;
+    const std::string& sinkName = composition->uid;
+    const std::string& label = composition->name;
+    const auto& members = composition->members;
     const auto module = server->loadModule(kNullSinkModule, nullSinkArguments(sinkName, label));
     if (!module || !server->refreshSink(sinkName)) {
         return writeFailure();
@@ -420,21 +392,17 @@ OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& descripti
         return writeFailure();
     }
 
+    // A member that is not there yet keeps its place: it gets its loopback when it appears.
     DeclaredLatencies declared;
-    for (const auto& member : *members) {
-        const bool present =
-            server->withMirror([&](const PulseMirror& mirror) { return sinkNamed(mirror, member.uid) != nullptr; });
-        // An absent member stays in the composition without a loopback, like an inactive
-        // sub-device, and holds no one back.
+    for (const auto& member : members) {
         const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, member.uid); });
         declared[member.uid] = member.frames * 1000.0 / rate;
-        if (!present) {
-            declared.erase(member.uid);
-        }
     }
     const auto plan = loopbackLatencies(declared);
-    for (const auto& member : *members) {
-        if (const auto it = plan.find(member.uid); it != plan.end()) {
+    for (const auto& member : members) {
+        const bool present =
+            server->withMirror([&](const PulseMirror& mirror) { return sinkNamed(mirror, member.uid) != nullptr; });
+        if (const auto it = plan.find(member.uid); present && it != plan.end()) {
             server->loadModule(kLoopbackModule, loopbackArguments(sinkName, member.uid, it->second));
         }
     }
@@ -472,6 +440,7 @@ OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
     }
     declaredByStacked.erase(name);
     labels.erase(name);
+    handOvers.clear();
     server->setRestorePlan({});
     if (!server->unloadModule(ownerModule)) {
         return writeFailure();
@@ -510,7 +479,9 @@ OSStatus PulseAudioHardware::setExtraLatency(AudioObjectID loopbackObject, doubl
 }
 
 // Every member whose loopback latency changes gets a new loopback first; the old one is
-// unloaded once the new one plays, so the sound never stops.
+// unloaded once the new one plays, so the sound never stops. A member has at most one loopback
+// waiting to take over: a newer change drops a successor that has not taken over yet and keeps
+// the one that plays until the newest successor does.
 OSStatus PulseAudioHardware::retime(const std::string& stackedName, const DeclaredLatencies& declared)
 {
     const auto plan = loopbackLatencies(declared);
@@ -524,7 +495,14 @@ OSStatus PulseAudioHardware::retime(const std::string& stackedName, const Declar
         if (!server->loadModule(kLoopbackModule, loopbackArguments(stackedName, loopback.sink, it->second))) {
             return writeFailure();
         }
-        server->unloadModuleLater(loopback.module, std::chrono::milliseconds(it->second + kHandOverMarginMs));
+        const auto takeOver = std::chrono::milliseconds(it->second + kHandOverMarginMs);
+        const auto playing = handOvers.find(loopback.sink);
+        if (playing != handOvers.end() && server->rescheduleUnload(playing->second, takeOver)) {
+            server->unloadModule(loopback.module);
+        } else {
+            server->unloadModuleLater(loopback.module, takeOver);
+            handOvers[loopback.sink] = loopback.module;
+        }
     }
     declaredByStacked[stackedName] = declared;
     updateRestorePlan(stackedName);

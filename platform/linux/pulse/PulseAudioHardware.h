@@ -73,6 +73,8 @@ private:
     std::unique_ptr<PulseConnection> server;
     std::map<std::string, DeclaredLatencies> declaredByStacked; // stacked devices this process made
     std::map<std::string, std::string> labels;
+    // member UID -> the loopback that plays while its successor fills
+    std::map<std::string, std::uint32_t> handOvers;
     std::map<std::uint32_t, hal::AudioObjectID> loopbackIDs;
     std::map<hal::AudioObjectID, std::uint32_t> loopbackModules;
     hal::AudioObjectID nextLoopbackID = kLoopbackBase + 1;

@@ -1,5 +1,7 @@
 #include "PulseConnection.h"
 
+#include <algorithm>
+
 #include "PulseObjects.h"
 
 #include <sys/time.h>
@@ -273,9 +275,32 @@ void PulseConnection::onSinkInfo(pa_context*, const pa_sink_info* info, int eol,
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
+        const bool arrived = info->name && !sinkNamed(connection->mirror, info->name);
         connection->mirror.update(*info);
+        if (arrived && connection->state() == State::Ready) {
+            connection->reattach(info->name);
+        }
     } else if (eol != 0) {
         connection->finishInitialRequest();
+    }
+}
+
+// A member of the stacked device that comes back (a Bluetooth speaker reconnecting) gets its
+// loopback again, as the plan has it, unless one is there already.
+void PulseConnection::reattach(const std::string& sinkName)
+{
+    if (!sinkNamed(mirror, restorePlan.defaultSink)) {
+        return;
+    }
+    const auto attached = std::any_of(mirror.modules.begin(), mirror.modules.end(), [&](const auto& entry) {
+        const auto loopback = loopbackOf(entry.second);
+        return loopback && loopback->sink == sinkName && loopback->source == restorePlan.defaultSink + ".monitor";
+    });
+    for (const auto& [name, arguments] : restorePlan.modules) {
+        const auto loopback = loopbackOf(ModuleRecord{PA_INVALID_INDEX, name, arguments});
+        if (!attached && loopback && loopback->sink == sinkName) {
+            loadModuleAsync(name, arguments);
+        }
     }
 }
 
@@ -304,6 +329,9 @@ void PulseConnection::onServerInfo(pa_context*, const pa_server_info* info, void
     auto* connection = static_cast<PulseConnection*>(self);
     if (info && info->default_sink_name) {
         connection->mirror.defaultSinkName = info->default_sink_name;
+    }
+    if (info && info->server_name) {
+        connection->mirror.serverName = info->server_name;
     }
     connection->finishInitialRequest();
 }
@@ -493,6 +521,18 @@ bool PulseConnection::waitUntilSinkGone(const std::string& sinkName)
     return false;
 }
 
+bool PulseConnection::waitUntilSinkPresent(const std::string& sinkName)
+{
+    const auto deadline = std::chrono::steady_clock::now() + kWriteBound;
+    while (std::chrono::steady_clock::now() < deadline && state() == State::Ready) {
+        if (refreshSink(sinkName)) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
+
 // ---- writes that do not wait ----
 
 void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay)
@@ -509,6 +549,24 @@ void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::millis
         delayedUnloads.push_back(std::move(unload));
     }
     pa_threaded_mainloop_unlock(loop);
+}
+
+bool PulseConnection::rescheduleUnload(std::uint32_t index, std::chrono::milliseconds delay)
+{
+    pa_threaded_mainloop_lock(loop);
+    const auto it = std::find_if(delayedUnloads.begin(), delayedUnloads.end(), [&](const auto& pending) {
+        return pending->index == index && pending->generation == contextGeneration;
+    });
+    const bool found = it != delayedUnloads.end();
+    if (found) {
+        timeval when{};
+        gettimeofday(&when, nullptr);
+        pa_timeval_add(&when, static_cast<pa_usec_t>(delay.count()) * PA_USEC_PER_MSEC);
+        auto* api = pa_threaded_mainloop_get_api(loop);
+        api->time_restart((*it)->timer, &when);
+    }
+    pa_threaded_mainloop_unlock(loop);
+    return found;
 }
 
 void PulseConnection::onDelayedUnload(pa_mainloop_api* api, pa_time_event* event, const timeval*, void* userdata)

@@ -65,8 +65,13 @@ public:
     // Waits until the server no longer has a sink of that name. A server may take a moment to
     // let go of a removed sink, and a new one of the same name must not meet the old one.
     bool waitUntilSinkGone(const std::string& sinkName);
+    // Waits until the server lists a sink of that name, made by another client, in the mirror.
+    bool waitUntilSinkPresent(const std::string& sinkName);
     // Unloads a module after a delay, on the connection's thread, without waiting for it.
     void unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay);
+    // Moves a pending unloadModuleLater of that module to delay from now; false when there is
+    // none (it has run already).
+    bool rescheduleUnload(std::uint32_t index, std::chrono::milliseconds delay);
 
     // What to load again, in order, when the server restarts without it: the stacked sink and
     // its loopbacks, and the sink to make the default. An empty plan restores nothing.
@@ -92,6 +97,7 @@ private:
     void finishInitialRequest();
     void scheduleReconnect();
     void restore();
+    void reattach(const std::string& sinkName);
     void loadModuleAsync(const std::string& name, const std::string& arguments);
 
     static void onContextState(pa_context* context, void* self);

@@ -3,6 +3,7 @@
 
 #include "support/OffsetMeter.h"
 
+#include "PipeWireAudioHardware.h"
 #include "PulseAudioHardware.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
@@ -41,13 +42,19 @@ protected:
         ASSERT_TRUE(loadMeterRig(*server));
         auto connection = std::make_unique<pulse::PulseConnection>();
         ASSERT_TRUE(connection->waitUntilReady(std::chrono::seconds(5)));
-        hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
+        if (kind == Kind::PipeWire) {
+            auto session = pipewire::PipeWireLoop::connect();
+            ASSERT_TRUE(session);
+            hardware = std::make_unique<pipewire::PipeWireAudioHardware>(std::move(connection), std::move(session));
+        } else {
+            hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
+        }
         audio = std::make_unique<audio::AudioWrapper>(*hardware, printed.log());
     }
 
     std::unique_ptr<SoundServer> server;
     core::CollectedLines printed;
-    std::unique_ptr<pulse::PulseAudioHardware> hardware;
+    std::unique_ptr<hal::AudioHardware> hardware;
     std::unique_ptr<audio::AudioWrapper> audio;
 };
 

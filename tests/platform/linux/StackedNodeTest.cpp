@@ -1,0 +1,269 @@
+// The stacked device hosted as a PipeWire node, on a private PipeWire with its pulse server and
+// the meter's remapped null sinks for members: chosen on its own, in step from the first sound,
+// changed live without a gap or a click, honest about its latency, and picking up a member
+// that comes back.
+
+#include "support/LatencyProbe.h"
+#include "support/OffsetMeter.h"
+
+#include "AudioBackend.h"
+#include "PipeWireAudioHardware.h"
+#include "audio/AudioWrapper.h"
+#include "core/DiagnosticLog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <cstdlib>
+#include <functional>
+
+namespace orvanta::testing {
+namespace {
+
+constexpr double kExactMs = 0.1;
+
+bool eventually(const std::function<bool()>& done, int milliseconds)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > milliseconds) {
+            return false;
+        }
+        QThread::msleep(10);
+    }
+    return true;
+}
+
+class PipeWireRig
+{
+protected:
+    void startRig()
+    {
+        server = std::make_unique<SoundServer>(SoundServer::Kind::PipeWire);
+        ASSERT_TRUE(server->start());
+        ASSERT_TRUE(loadMeterRig(*server));
+        ::setenv("ORVANTA_AUDIO", "auto", 1);
+        backend = app::chooseAudioBackend();
+        ASSERT_EQ(backend.description, "Using PipeWire");
+        node = dynamic_cast<pipewire::PipeWireAudioHardware*>(backend.hardware.get());
+        ASSERT_NE(node, nullptr);
+        audio = std::make_unique<audio::AudioWrapper>(*backend.hardware, printed.log());
+        ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() >= 3; }, 5000));
+    }
+
+    int sinksNamed(const QString& name) const
+    {
+        int count = 0;
+        for (const auto& line : server->pactl({"list", "short", "sinks"}).split('\n')) {
+            count += line.section('\t', 1, 1) == name ? 1 : 0;
+        }
+        return count;
+    }
+
+    QString moduleLoading(const QString& argument) const
+    {
+        return server->pactl({"list", "short", "modules"}).split('\n').filter(argument).value(0).section('\t', 0, 0);
+    }
+
+    std::unique_ptr<SoundServer> server;
+    app::AudioBackend backend;
+    pipewire::PipeWireAudioHardware* node = nullptr;
+    core::CollectedLines printed;
+    std::unique_ptr<audio::AudioWrapper> audio;
+};
+
+class StackedNode : public ::testing::Test, protected PipeWireRig
+{
+protected:
+    void SetUp() override { startRig(); }
+};
+
+TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
+    ASSERT_EQ(printed.lines.size(), 1u);
+    EXPECT_THAT(printed.lines[0], ::testing::StartsWith("✅ Sync Device Created! ID: "));
+    EXPECT_EQ(server->pactl({"get-default-sink"}).trimmed(), "com.quellon.stacked");
+    const QString sinks = server->pactl({"list", "sinks"});
+    EXPECT_TRUE(sinks.contains("Name: com.quellon.stacked")) << sinks.toStdString();
+    EXPECT_TRUE(sinks.contains("Description: Orvanta"));
+    EXPECT_EQ(node->stackedNode()->holdBack("mA"), 150u * 48u);
+    EXPECT_EQ(node->stackedNode()->holdBack("mB"), 0u);
+
+    // The process that hosts it goes: so does the node.
+    audio.reset();
+    backend.hardware.reset();
+    EXPECT_TRUE(eventually([this] { return sinksNamed("com.quellon.stacked") == 0; }, 5000));
+}
+
+TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
+{
+    ASSERT_GE(server->loadModule("module-null-sink", {"sink_name=com.quellon.stacked"}), 0);
+    ASSERT_GE(server->loadModule("module-loopback", {"source=com.quellon.stacked.monitor", "sink=mB"}), 0);
+    ASSERT_TRUE(eventually([this] { return audio->findStackedDeviceID().has_value(); }, 5000));
+
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 20), hal::noErr);
+    EXPECT_EQ(printed.lines.front(), "🗑️ Startup Cleanup: Old device destroyed.");
+    EXPECT_EQ(sinksNamed("com.quellon.stacked"), 1);
+    EXPECT_TRUE(moduleLoading("module-loopback").isEmpty());
+    EXPECT_TRUE(moduleLoading("sink_name=com.quellon.stacked").isEmpty());
+}
+
+TEST_F(StackedNode, AMemberThatComesBackIsInStepAgainWithinASecond)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
+    const QString mB = moduleLoading("sink_name=mB");
+    ASSERT_FALSE(mB.isEmpty());
+    ASSERT_FALSE(server->pactl({"unload-module", mB}).isNull());
+    ASSERT_TRUE(eventually([this] { return !node->stackedNode()->memberLinked("mB"); }, 5000));
+
+    // The other member plays on alone.
+    {
+        Recorder recorder(*server);
+        Player player(*server, clickTrack(0.5, {0.1}));
+        ASSERT_TRUE(player.waitUntilDone());
+        EXPECT_EQ(clickOnsets(recorder.stop(500), kMemberA).size(), 1u);
+    }
+
+    ASSERT_GE(server->loadModule("module-remap-sink",
+                                 {"sink_name=mB", "master=hw", "channels=2", "master_channel_map=rear-left,rear-right",
+                                  "channel_map=front-left,front-right", "remix=no"}),
+              0);
+    EXPECT_TRUE(eventually([this] { return node->stackedNode()->memberLinked("mB"); }, 1000));
+    const auto offset = measureOffsetMs(*server);
+    ASSERT_TRUE(offset.has_value());
+    EXPECT_NEAR(*offset, 150.0, kExactMs);
+}
+
+// Both directions of a delay: the primary (mA) or the secondary (mB) declares it.
+struct Delays
+{
+    int primaryMs;
+    int secondaryMs;
+};
+
+class StackedNodeOffset : public ::testing::TestWithParam<Delays>, protected PipeWireRig
+{
+protected:
+    void SetUp() override { startRig(); }
+
+    // Builds the stacked device, plays two clicks into it from 100 ms on, and takes it down
+    // once the held-back member has played them too.
+    void playOneBuild(int primaryMs, int secondaryMs)
+    {
+        ASSERT_EQ(audio->createStackedDevice("mA", "mB", primaryMs, secondaryMs), hal::noErr);
+        Player player(*server, clickTrack(1.0, {0.1, 0.85}));
+        ASSERT_TRUE(player.waitUntilDone());
+        QThread::msleep(static_cast<unsigned long>(std::max(primaryMs, secondaryMs) + 300));
+        audio->destroyOldStackedDevices();
+    }
+};
+
+TEST_P(StackedNodeOffset, EveryClickOfTenRebuildsIsExactFromTheStart)
+{
+    const auto [primaryMs, secondaryMs] = GetParam();
+    playOneBuild(secondaryMs, primaryMs); // a server that has played and rebuilt before
+    constexpr int kBuilds = 10;
+    Recorder recorder(*server);
+    for (int build = 0; build < kBuilds; ++build) {
+        playOneBuild(primaryMs, secondaryMs);
+    }
+    const auto recording = recorder.stop(200);
+    const auto a = clickOnsets(recording, kMemberA);
+    const auto b = clickOnsets(recording, kMemberB);
+    // A member that played early would add clicks of its own.
+    ASSERT_EQ(a.size(), 2u * kBuilds);
+    ASSERT_EQ(b.size(), 2u * kBuilds);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const double offset = static_cast<double>(a[i] - b[i]) * 1000.0 / kMeterRate;
+        EXPECT_NEAR(offset, secondaryMs - primaryMs, kExactMs) << "click " << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Delays, StackedNodeOffset,
+                         ::testing::Values(Delays{0, 0}, Delays{0, 5}, Delays{5, 0}, Delays{0, 150}, Delays{150, 0},
+                                           Delays{0, 600}, Delays{600, 0}),
+                         [](const auto& param) {
+                             return std::to_string(param.param.primaryMs) + "_" +
+                                    std::to_string(param.param.secondaryMs);
+                         });
+
+void expectCleanTone(const Samples& recording)
+{
+    for (const int channel : {kMemberA, kMemberB}) {
+        const auto tone = checkTone(recording, channel);
+        ASSERT_TRUE(tone.has_value()) << "channel " << channel;
+        EXPECT_LT(tone->longestGapMs, 1.0) << "channel " << channel;
+        // A jump in the read position would be a step many times the tone's own; a crossfade
+        // between two phases of it may exceed it by a hair.
+        EXPECT_LE(tone->largestStep, tone->toneStep * 1.05) << "channel " << channel;
+        EXPECT_TRUE(tone->finiteWithinScale) << "channel " << channel;
+    }
+}
+
+TEST_F(StackedNode, ALiveChangeLeavesNoGapNoClickAndNoSampleOutOfRange)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
+    Recorder recorder(*server);
+    Player player(*server, toneTrack(4.0));
+    ASSERT_TRUE(player.started());
+    QThread::msleep(1000);
+    audio->setRuntimeLatency("mB", 600);
+    QThread::msleep(1200);
+    audio->setRuntimeLatency("mB", 37);
+    ASSERT_TRUE(player.waitUntilDone());
+    expectCleanTone(recorder.stop(1000));
+    const auto offset = measureOffsetMs(*server);
+    ASSERT_TRUE(offset.has_value());
+    EXPECT_NEAR(*offset, 37.0, kExactMs);
+}
+
+TEST_F(StackedNode, ThreeHundredChangesInThreeSecondsStayCleanAndEndExact)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
+    Recorder recorder(*server);
+    Player player(*server, toneTrack(5.0));
+    ASSERT_TRUE(player.started());
+    QThread::msleep(800);
+    int delay = 0;
+    for (int change = 0; change < 300; ++change) {
+        delay = (delay + 211) % 601; // a slider dragged back and forth, unevenly
+        audio->setRuntimeLatency("mB", delay);
+        QThread::msleep(10);
+    }
+    ASSERT_TRUE(player.waitUntilDone());
+    expectCleanTone(recorder.stop(1000));
+    QThread::msleep(100);
+    const auto offset = measureOffsetMs(*server);
+    ASSERT_TRUE(offset.has_value());
+    EXPECT_NEAR(*offset, delay, kExactMs);
+}
+
+class StackedNodeLatency : public ::testing::TestWithParam<int>, protected PipeWireRig
+{
+protected:
+    void SetUp() override { startRig(); }
+};
+
+TEST_P(StackedNodeLatency, APlayerIsToldTheLatencyToTheLaterMember)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, GetParam()), hal::noErr);
+    const auto probe = probeLatency(*server);
+    ASSERT_TRUE(probe.has_value());
+    // How much later the stacked device played the click than ref did, against how much later
+    // its stream was told it would.
+    const double measured = static_cast<double>(probe->stackedClick - probe->referenceClick) * 1000.0 / kMeterRate;
+    const double told = probe->toldStackedMs - probe->toldReferenceMs - probe->writeGapMs;
+    RecordProperty("told_ms", std::to_string(probe->toldStackedMs));
+    EXPECT_NEAR(told, measured, 2.0) << "stacked told " << probe->toldStackedMs << " ms, ref told "
+                                     << probe->toldReferenceMs << " ms, write gap " << probe->writeGapMs << " ms";
+}
+
+INSTANTIATE_TEST_SUITE_P(Delays, StackedNodeLatency, ::testing::Values(0, 150));
+
+} // namespace
+} // namespace orvanta::testing
