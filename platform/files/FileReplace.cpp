@@ -96,10 +96,23 @@ bool isStaleTemporary(std::string_view name, std::string_view base)
     return rest.starts_with('.') && isRandomPart(rest.substr(1)) && rest.substr(1) != kKeptCopySuffix;
 }
 
+// The file a symbolic link points to, so that the link itself (to a file kept elsewhere, say
+// under version control) stays; the path itself otherwise.
+std::string fileBehind(const std::string& path)
+{
+    std::error_code error;
+    if (!std::filesystem::is_symlink(path, error)) {
+        return path;
+    }
+    const auto target = std::filesystem::canonical(path, error);
+    return error ? path : target.string();
+}
+
 } // namespace
 
-std::optional<std::string> replaceFile(const std::string& path, std::string_view content)
+std::optional<std::string> replaceFile(const std::string& linkOrPath, std::string_view content)
 {
+    const std::string path = fileBehind(linkOrPath);
     std::string temporary = path + std::string(kTemporaryInfix) + std::string(kRandomPartLength, 'X');
     const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0) {

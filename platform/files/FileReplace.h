@@ -5,7 +5,8 @@
 // and only then renamed over PATH. A full disk, a file-size limit, a failing flush or rename:
 // any failure removes the temporary file, leaves PATH exactly as it was and gives the system's
 // reason. A process killed at any instant leaves PATH old or new, and at most one temporary
-// file, which removeStaleTemporaries() clears at the next start.
+// file, which removeStaleTemporaries() clears at the next start. A path that is a symbolic
+// link has the file it points to replaced, and stays a link.
 
 #include <optional>
 #include <string>

@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <sys/stat.h>
@@ -144,6 +145,19 @@ TEST_F(SettingsFile, ANewFileIsReadableByAllAndAReplacedOneKeepsItsPermissions)
     open().setValue("a", 2);
     ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
+}
+
+TEST_F(SettingsFile, ALinkToTheSettingsStaysALink)
+{
+    QDir(dir.path()).mkdir("kept");
+    put("kept/settings.json", "{\"a\": 1}");
+    ASSERT_TRUE(QFile::link(dir.filePath("kept/settings.json"), path));
+    auto defaults = open();
+    EXPECT_EQ(defaults.value("a").toInt(), 1);
+    defaults.setValue("a", 2);
+    EXPECT_TRUE(QFileInfo(path).isSymLink());
+    EXPECT_EQ(open().value("a").toInt(), 2);
+    EXPECT_EQ(QDir(dir.filePath("kept")).entryList(QDir::Files), QStringList{"settings.json"});
 }
 
 } // namespace
