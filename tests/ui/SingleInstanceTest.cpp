@@ -85,7 +85,7 @@ TEST(SingleInstance, ASecondLaunchWaitsForAFirstThatIsStillStarting)
         ui::SingleInstance later(runtime.path());
         claim = static_cast<int>(later.claim());
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
     const bool answered = runUntil([&claim] { return claim != -1; }, std::chrono::seconds(10));
     second.join();
     ASSERT_TRUE(answered);
