@@ -5,6 +5,7 @@
 #include "services/AccessibilityTrust.h"
 #include "services/LoginItems.h"
 #include "services/PlatformServices.h"
+#include "services/UserDefaults.h"
 
 #include <QPointer>
 
@@ -14,6 +15,13 @@ AppState::AppState(AppStateServices appServices, QObject* parent) : QObject(pare
 {
     // The login item's status is the starting value, not a choice: nothing is registered here.
     startsAtLogin = services.loginItems.status() == platform::LoginItems::Status::Enabled;
+    // Settings are written by others too (the language), so the outcome comes from the store.
+    // The store may outlive this object, so the observer checks that it is still there.
+    services.userDefaults.setSaveObserver([self = QPointer<AppState>(this)](bool saved) {
+        if (self) {
+            self->setSettingsSaved(saved);
+        }
+    });
     loadPersistedMaps();
     setDevices(services.audio.getOutputDevices());
     setTrusted(services.trust.isProcessTrusted());
@@ -95,6 +103,12 @@ void AppState::setTrusted(bool value)
 {
     trusted = value;
     emit isTrustedChanged();
+}
+
+void AppState::setSettingsSaved(bool value)
+{
+    lastSettingsWriteSaved = value;
+    emit settingsSavedChanged();
 }
 
 void AppState::setLaunchAtLogin(bool value)

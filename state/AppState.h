@@ -2,7 +2,8 @@
 
 // The program's one observable state: the device list, the two selected devices, whether sync
 // is on, both volumes, the per-device delays and Bluetooth marks, accessibility trust and
-// launch at login. Views bind to its properties and change things only through it. Every
+// launch at login, and whether changed settings reach storage. Views bind to its properties
+// and change things only through it. Every
 // assignment to a property announces a change, also when the value is the same.
 
 #include "audio/AudioDeviceOption.h"
@@ -64,6 +65,7 @@ class AppState : public QObject
                    manualBluetoothOverridesChanged)
     Q_PROPERTY(bool isTrusted READ isTrusted NOTIFY isTrustedChanged)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
+    Q_PROPERTY(bool settingsSaved READ settingsSaved NOTIFY settingsSavedChanged)
 
 public:
     static constexpr const char* kBluetoothDelaysKey = "bluetoothDelaysByUID";
@@ -110,6 +112,8 @@ public:
     bool isTrusted() const { return trusted; }
     bool launchAtLogin() const { return startsAtLogin; }
     void setLaunchAtLogin(bool value);
+    // Whether the last write of the settings, by anyone, reached storage; true until one fails.
+    bool settingsSaved() const { return lastSettingsWriteSaved; }
 
 signals:
     void devicesChanged();
@@ -122,10 +126,12 @@ signals:
     void manualBluetoothOverridesChanged();
     void isTrustedChanged();
     void launchAtLoginChanged();
+    void settingsSavedChanged();
 
 private:
     void setQuellonOn(bool value);
     void setTrusted(bool value);
+    void setSettingsSaved(bool value);
     void setDelays(DelayMap value);
     void setOverrides(OverrideMap value);
     void loadPersistedMaps();
@@ -145,6 +151,7 @@ private:
     OverrideMap overrides;
     bool trusted = false;
     bool startsAtLogin = false;
+    bool lastSettingsWriteSaved = true;
     std::unique_ptr<QTimer> permissionTimer;
 };
 

@@ -1,5 +1,7 @@
 #include "PersistedMaps.h"
 
+#include "AppState.h"
+
 #include <cmath>
 #include <limits>
 
@@ -29,6 +31,17 @@ std::optional<int> wholeNumber(const QVariant& value)
         return std::nullopt;
     }
     return static_cast<int>(number);
+}
+
+// A delay the program could have stored: a whole number from 0 to 600. Anything else was not
+// written by it, so the stored map is not to be trusted.
+std::optional<int> storedDelay(const QVariant& value)
+{
+    const auto number = wholeNumber(value);
+    if (!number || *number < 0 || *number > AppState::kMaxDelayMs) {
+        return std::nullopt;
+    }
+    return number;
 }
 
 std::optional<bool> boolean(const QVariant& value)
@@ -67,7 +80,7 @@ template <typename T> QVariantMap toStoredMap(const std::map<std::string, T>& ma
 
 std::optional<std::map<std::string, int>> delaysFromStored(const QVariant& stored)
 {
-    return fromStored<int>(stored, wholeNumber);
+    return fromStored<int>(stored, storedDelay);
 }
 
 std::optional<std::map<std::string, bool>> overridesFromStored(const QVariant& stored)

@@ -1,8 +1,9 @@
 #pragma once
 
 // The two per-device maps as they are stored in the settings: a dictionary from device UID to
-// a whole number of milliseconds, and one from device UID to a boolean. A stored dictionary
-// is taken whole or not at all: one value of the wrong kind makes it unusable.
+// a whole number of milliseconds from 0 to 600, and one from device UID to a boolean. A stored
+// dictionary is taken whole or not at all: one value of the wrong kind, or a delay out of that
+// range, makes it unusable.
 
 #include <QVariant>
 

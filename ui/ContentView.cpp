@@ -2,6 +2,7 @@
 
 #include "RedrawOnChanges.h"
 
+#include "SettingsSaveNotice.h"
 #include "SpeakerBlock.h"
 #include "Symbols.h"
 #include "ToggleSwitch.h"
@@ -201,6 +202,7 @@ void ContentView::build()
     column->setSpacing(20);
     column->addWidget(buildHeader());
     column->addWidget(buildBanner());
+    column->addWidget(new SettingsSaveNotice(lang, appState, this));
     column->addWidget(buildOutputs());
 
     syncSwitch = new ToggleSwitch(ToggleSwitch::Size::Regular, this);

@@ -7,12 +7,15 @@
 #include <QStandardPaths>
 #include <QThread>
 
+#include <algorithm>
+
 namespace orvanta::ui {
 namespace {
 
 const QByteArray kActivate = QByteArrayLiteral("activate\n");
 const QByteArray kDone = QByteArrayLiteral("ok\n");
 constexpr int kConnectTimeoutMs = 1000;
+constexpr unsigned long kRetryPauseMs = 100;
 // How long a second launch keeps trying while the first is still starting up.
 constexpr qint64 kNotifyBoundMs = 5000;
 
@@ -85,20 +88,28 @@ bool SingleInstance::listen()
 
 bool SingleInstance::notifyRunningInstance()
 {
+    // The first instance listens as soon as it holds the lock, but answers only once its event
+    // loop runs, after it has chosen its sound system and built its window. So the request is
+    // sent once and the answer awaited for the whole bound; a refused connection (the lock
+    // taken, the socket not there yet) is tried again within the same bound.
     QElapsedTimer clock;
     clock.start();
-    while (clock.elapsed() < kNotifyBoundMs) {
+    const auto remaining = [&clock] { return static_cast<int>(std::max<qint64>(0, kNotifyBoundMs - clock.elapsed())); };
+    while (remaining() > 0) {
         QLocalSocket socket;
         socket.connectToServer(socketPath());
-        if (socket.waitForConnected(kConnectTimeoutMs)) {
-            socket.write(kActivate);
-            if (socket.waitForBytesWritten(kConnectTimeoutMs) && socket.waitForReadyRead(kConnectTimeoutMs)) {
-                return socket.readLine() == kDone;
-            }
+        if (!socket.waitForConnected(std::min(kConnectTimeoutMs, remaining()))) {
+            QThread::msleep(kRetryPauseMs);
+            continue;
+        }
+        socket.write(kActivate);
+        if (!socket.waitForBytesWritten(remaining())) {
             return false;
         }
-        // The first instance holds the lock but may not be listening yet.
-        QThread::msleep(100);
+        while (!socket.canReadLine() && remaining() > 0 && socket.state() == QLocalSocket::ConnectedState) {
+            socket.waitForReadyRead(remaining());
+        }
+        return socket.canReadLine() && socket.readLine() == kDone;
     }
     return false;
 }

@@ -26,8 +26,11 @@ std::optional<Feed> parseFeed(const QByteArray& document)
             return std::nullopt;
         }
     }
-    return Feed{members.value(keys[0]).toString(), members.value(keys[1]).toString(),
-                members.value(keys[2]).toString()};
+    Feed feed{members.value(keys[0]).toString(), members.value(keys[1]).toString(), members.value(keys[2]).toString()};
+    if (feed.version.size() > kMaxVersionLength) {
+        return std::nullopt;
+    }
+    return feed;
 }
 
 } // namespace orvanta::update

@@ -3,7 +3,8 @@
 // The update feed: one JSON object all of whose members are strings. It is read as a map from
 // string to string, so a member of any other type (number, boolean, array, object, null), even
 // one that is not used, makes the whole document unusable, as does a missing "version",
-// "download_url" or "release_notes".
+// "download_url" or "release_notes". A version longer than kMaxVersionLength is not a version
+// this program can show or compare, and makes the document unusable too.
 
 #include <QByteArray>
 #include <QString>
@@ -15,6 +16,7 @@ namespace orvanta::update {
 inline constexpr char kVersionKey[] = "version";
 inline constexpr char kDownloadUrlKey[] = "download_url";
 inline constexpr char kReleaseNotesKey[] = "release_notes";
+inline constexpr qsizetype kMaxVersionLength = 64;
 
 struct Feed
 {

@@ -1,16 +1,23 @@
 #include "XdgAutostartLoginItems.h"
 
+#include "DesktopEntrySwitch.h"
+#include "StandardErrorLine.h"
+#include "files/BoundedRead.h"
+#include "files/FileReplace.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
-#include <QTextStream>
+
+#include <utility>
 
 namespace orvanta::linux_platform {
 
 XdgAutostartLoginItems::XdgAutostartLoginItems(QString entryPath, QString program)
     : path(std::move(entryPath)), executable(std::move(program))
-{}
+{
+    files::removeStaleTemporaries(path.toStdString());
+}
 
 QString XdgAutostartLoginItems::defaultEntryPath()
 {
@@ -23,17 +30,40 @@ QString XdgAutostartLoginItems::defaultEntryPath()
 
 QString desktopEntryExec(const QString& program)
 {
-    // Inside double quotes, '"', '`', '$' and '\' are escaped with a backslash; the value's
-    // own backslashes are escaped once more because the whole value is a string value.
+    // The Exec key is read in three steps, undone here in reverse: string-value escapes
+    // (backslash, newline, tab, carriage return), then the quoting of the argument (inside double
+    // quotes '"', '`', '$' and '\' take a backslash), then field codes, where a literal '%' is
+    // written "%%".
     QString quoted;
     for (const QChar c : program) {
         if (c == u'"' || c == u'`' || c == u'$' || c == u'\\') {
             quoted += u'\\';
         }
         quoted += c;
+        if (c == u'%') {
+            quoted += u'%';
+        }
     }
-    quoted.replace(u'\\', QStringLiteral("\\\\"));
-    return u'"' + quoted + u'"';
+    QString value;
+    for (const QChar c : std::as_const(quoted)) {
+        switch (c.unicode()) {
+        case u'\\':
+            value += QStringLiteral("\\\\");
+            break;
+        case u'\n':
+            value += QStringLiteral("\\n");
+            break;
+        case u'\t':
+            value += QStringLiteral("\\t");
+            break;
+        case u'\r':
+            value += QStringLiteral("\\r");
+            break;
+        default:
+            value += c;
+        }
+    }
+    return u'"' + value + u'"';
 }
 
 QString XdgAutostartLoginItems::entryText() const
@@ -51,21 +81,12 @@ QString XdgAutostartLoginItems::entryText() const
 
 platform::LoginItems::Status XdgAutostartLoginItems::status() const
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    const auto read = files::readBoundedFile(path.toStdString(), kMaxEntryBytes);
+    const auto* content = std::get_if<std::string>(&read);
+    if (!content) {
         return Status::NotRegistered;
     }
-    QTextStream stream(&file);
-    bool inMainGroup = false;
-    while (!stream.atEnd()) {
-        QString line = stream.readLine().trimmed();
-        if (line.startsWith(u'[')) {
-            inMainGroup = line == QStringLiteral("[Desktop Entry]");
-        } else if (inMainGroup && line.remove(u' ') == QStringLiteral("Hidden=true")) {
-            return Status::NotRegistered;
-        }
-    }
-    return Status::Enabled;
+    return desktopEntrySwitchedOff(QString::fromUtf8(*content)) ? Status::NotRegistered : Status::Enabled;
 }
 
 std::optional<QString> XdgAutostartLoginItems::registerItem()
@@ -74,10 +95,10 @@ std::optional<QString> XdgAutostartLoginItems::registerItem()
     if (!QDir().mkpath(folder)) {
         return QStringLiteral("cannot create the folder %1").arg(folder);
     }
-    QSaveFile file(path);
-    const QByteArray content = entryText().toUtf8();
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit()) {
-        return QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
+    if (const auto reason = files::replaceFile(path.toStdString(), entryText().toStdString())) {
+        const QString problem = QStringLiteral("cannot write %1: %2").arg(path, QString::fromStdString(*reason));
+        printStandardErrorLine(problem);
+        return problem;
     }
     return std::nullopt;
 }

@@ -2,7 +2,8 @@
 
 // The login item as an XDG autostart entry, $XDG_CONFIG_HOME/autostart/orvanta.desktop, that
 // starts this very program. Desktops read that folder at login; an entry marked Hidden=true
-// counts as switched off, as it does for them.
+// or X-GNOME-Autostart-enabled=false counts as switched off, as it does for them. The entry is
+// written whole or not at all; a failed write leaves the earlier entry as it was.
 
 #include "services/LoginItems.h"
 
@@ -11,6 +12,9 @@ namespace orvanta::linux_platform {
 class XdgAutostartLoginItems final : public platform::LoginItems
 {
 public:
+    // A larger file is not an entry this program wrote; it reads as no entry.
+    static constexpr std::size_t kMaxEntryBytes = 64 * 1024;
+
     // executable: what the entry starts (this program's absolute path).
     XdgAutostartLoginItems(QString entryPath, QString executable);
 

@@ -1,6 +1,8 @@
 #include "DeviceDescription.h"
 
-#include <QFile>
+#include "core/OneLine.h"
+#include "files/BoundedRead.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -29,7 +31,7 @@ void checkKeys(const QJsonObject& object, const std::set<QString>& allowed, cons
 {
     for (auto it = object.begin(); it != object.end(); ++it) {
         if (!allowed.contains(it.key())) {
-            fail(where, "unknown member \"" + it.key().toStdString() + "\"");
+            fail(where, "unknown member \"" + core::quotedExcerpt(it.key().toStdString()) + "\"");
         }
     }
 }
@@ -40,7 +42,11 @@ std::string requireString(const QJsonObject& object, const char* key, const std:
     if (!value.isString()) {
         fail(where + "." + key, "expected a string");
     }
-    return value.toString().toStdString();
+    auto text = value.toString().toStdString();
+    if (text.size() > kMaxDescriptionTextBytes) {
+        fail(where + "." + key, "longer than " + std::to_string(kMaxDescriptionTextBytes) + " bytes");
+    }
+    return text;
 }
 
 double numberOr(const QJsonObject& object, const char* key, double fallback, const std::string& where)
@@ -56,12 +62,16 @@ double numberOr(const QJsonObject& object, const char* key, double fallback, con
 }
 
 template <typename Int>
-Int integerOr(const QJsonObject& object, const char* key, Int fallback, const std::string& where)
+Int integerOr(const QJsonObject& object, const char* key, Int fallback, const std::string& where,
+              Int highest = std::numeric_limits<Int>::max())
 {
     const double number = numberOr(object, key, static_cast<double>(fallback), where);
     if (std::trunc(number) != number || number < static_cast<double>(std::numeric_limits<Int>::min()) ||
         number > static_cast<double>(std::numeric_limits<Int>::max())) {
         fail(where + "." + key, "expected a whole number in range");
+    }
+    if (number > static_cast<double>(highest)) {
+        fail(where + "." + key, "more than " + std::to_string(highest));
     }
     return static_cast<Int>(number);
 }
@@ -86,7 +96,7 @@ QJsonObject requireObject(const QJsonValue& value, const std::string& where)
     return value.toObject();
 }
 
-QJsonArray arrayOrEmpty(const QJsonObject& object, const char* key, const std::string& where)
+QJsonArray arrayOrEmpty(const QJsonObject& object, const char* key, const std::string& where, qsizetype most)
 {
     const auto value = object.value(QLatin1String(key));
     if (value.isUndefined()) {
@@ -95,13 +105,17 @@ QJsonArray arrayOrEmpty(const QJsonObject& object, const char* key, const std::s
     if (!value.isArray()) {
         fail(where + "." + key, "expected an array");
     }
-    return value.toArray();
+    const auto array = value.toArray();
+    if (array.size() > most) {
+        fail(where + "." + key, "more than " + std::to_string(most) + " entries");
+    }
+    return array;
 }
 
 hal::UInt32 fourCharCodeFrom(const std::string& text, const std::string& where)
 {
     if (text.size() != 4) {
-        fail(where, "expected a four-character code such as \"blue\", got \"" + text + "\"");
+        fail(where, "expected a four-character code such as \"blue\", got \"" + core::quotedExcerpt(text) + "\"");
     }
     hal::UInt32 code = 0;
     for (const char c : text) {
@@ -123,7 +137,7 @@ FailureRule readFailure(const QJsonValue& value, const std::string& where)
     const auto callName = requireString(object, "call", where);
     const auto call = callKindFromName(callName);
     if (!call) {
-        fail(where + ".call", "unknown call \"" + callName + "\"");
+        fail(where + ".call", "unknown call \"" + core::quotedExcerpt(callName) + "\"");
     }
     rule.call = *call;
     if (object.contains("selector")) {
@@ -145,7 +159,7 @@ FailureRule readFailure(const QJsonValue& value, const std::string& where)
 std::vector<FailureRule> readFailures(const QJsonObject& object, const std::string& where)
 {
     std::vector<FailureRule> rules;
-    const auto list = arrayOrEmpty(object, "failures", where);
+    const auto list = arrayOrEmpty(object, "failures", where, kMaxDescriptionFailureRules);
     for (qsizetype i = 0; i < list.size(); ++i) {
         rules.push_back(readFailure(list.at(i), indexed(where + ".failures", i)));
     }
@@ -187,12 +201,12 @@ DeviceSpec readDevice(const QJsonValue& value, const std::string& where)
         device.transportType = fourCharCodeFrom(requireString(object, "transport", where), where + ".transport");
     }
     device.nominalSampleRate = numberOr(object, "sampleRate", 48000.0, where);
-    device.outputStreams = integerOr<hal::UInt32>(object, "outputStreams", 1, where);
-    device.inputStreams = integerOr<hal::UInt32>(object, "inputStreams", 0, where);
+    device.outputStreams = integerOr<hal::UInt32>(object, "outputStreams", 1, where, kMaxDescriptionStreams);
+    device.inputStreams = integerOr<hal::UInt32>(object, "inputStreams", 0, where, kMaxDescriptionStreams);
     if (object.contains("virtualMainVolume")) {
         device.virtualMainVolume = readVolume(object.value("virtualMainVolume"), where + ".virtualMainVolume");
     }
-    const auto channels = arrayOrEmpty(object, "channelVolumes", where);
+    const auto channels = arrayOrEmpty(object, "channelVolumes", where, kMaxDescriptionChannels);
     for (qsizetype i = 0; i < channels.size(); ++i) {
         device.channelVolumes.push_back(readVolume(channels.at(i), indexed(where + ".channelVolumes", i)));
     }
@@ -207,7 +221,7 @@ SystemSpec readSystem(const QJsonObject& root)
 {
     checkKeys(root, {"devices", "defaultOutput", "failures"}, "top level");
     SystemSpec system;
-    const auto devices = arrayOrEmpty(root, "devices", "top level");
+    const auto devices = arrayOrEmpty(root, "devices", "top level", kMaxDescriptionDevices);
     std::set<hal::AudioObjectID> ids;
     for (qsizetype i = 0; i < devices.size(); ++i) {
         auto device = readDevice(devices.at(i), indexed("devices", i));
@@ -242,29 +256,36 @@ std::string lineAndColumn(const std::string& json, int offset)
 
 DescriptionResult parseDeviceDescription(const std::string& json, const std::string& sourceName)
 {
+    // Every error is one line, whatever the source's name or the document holds.
+    const auto errorLine = [&sourceName](const std::string& problem) {
+        return core::escapeControlCharacters(sourceName + ": " + problem);
+    };
+    if (json.size() > kMaxDescriptionBytes) {
+        return errorLine("larger than " + std::to_string(kMaxDescriptionBytes) + " bytes");
+    }
     QJsonParseError parseError{};
     const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(json), &parseError);
     if (parseError.error != QJsonParseError::NoError) {
-        return sourceName + ": invalid JSON at " + lineAndColumn(json, parseError.offset) + ": " +
-               parseError.errorString().toStdString();
+        return errorLine("invalid JSON at " + lineAndColumn(json, parseError.offset) + ": " +
+                         parseError.errorString().toStdString());
     }
     if (!document.isObject()) {
-        return sourceName + ": expected a JSON object at the top level";
+        return errorLine("expected a JSON object at the top level");
     }
     try {
         return readSystem(document.object());
     } catch (const DescriptionError& error) {
-        return sourceName + ": " + error.message;
+        return errorLine(error.message);
     }
 }
 
 DescriptionResult loadDeviceDescription(const std::string& path)
 {
-    QFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return path + ": cannot read the device description: " + file.errorString().toStdString();
+    auto read = files::readBoundedFile(path, kMaxDescriptionBytes);
+    if (const auto* failure = std::get_if<files::ReadFailure>(&read)) {
+        return core::escapeControlCharacters(path + ": cannot read the device description: " + failure->reason);
     }
-    return parseDeviceDescription(file.readAll().toStdString(), path);
+    return parseDeviceDescription(std::get<std::string>(read), path);
 }
 
 } // namespace orvanta::sim

@@ -16,6 +16,10 @@
 //
 // Calls are getPropertyDataSize, getPropertyData, setPropertyData, hasProperty,
 // createAggregateDevice and destroyAggregateDevice; selector, scope and element are optional.
+//
+// A description comes from outside the program, so it is bounded: it is read only from a
+// regular file of at most kMaxDescriptionBytes, and its lists, counts and strings have the
+// limits below. Errors are one line, with control characters escaped.
 
 #include "SimDeviceSpec.h"
 
@@ -23,6 +27,13 @@
 #include <variant>
 
 namespace orvanta::sim {
+
+inline constexpr std::size_t kMaxDescriptionBytes = 1024 * 1024;
+inline constexpr std::size_t kMaxDescriptionTextBytes = 1024; // names, UIDs, codes
+inline constexpr long long kMaxDescriptionDevices = 256;
+inline constexpr long long kMaxDescriptionFailureRules = 256; // per list
+inline constexpr long long kMaxDescriptionChannels = 64;
+inline constexpr unsigned kMaxDescriptionStreams = 64;
 
 // The description, or one line naming the source and what is wrong with it.
 using DescriptionResult = std::variant<SystemSpec, std::string>;

@@ -1,11 +1,13 @@
 #include "SimStateFile.h"
 
+#include "files/FileReplace.h"
 #include "hal/PropertyTable.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
+
+#include <cstdio>
 
 namespace orvanta::sim {
 
@@ -84,10 +86,8 @@ QJsonObject aggregateObject(const SimulatedAudioHardware& system, const SimDevic
 
 bool writeAtomically(const std::string& path, const std::string& content, std::string& error)
 {
-    QSaveFile file(qs(path));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content.data(), static_cast<qint64>(content.size())) < 0 ||
-        !file.commit()) {
-        error = path + ": cannot write the simulated state: " + file.errorString().toStdString();
+    if (const auto reason = files::replaceFile(path, content)) {
+        error = path + ": cannot write the simulated state: " + *reason;
         return false;
     }
     return true;
@@ -115,12 +115,17 @@ std::string stateAsJson(const SimulatedAudioHardware& system)
 
 bool watchStateInFile(SimulatedAudioHardware& system, const std::string& path, std::string& error)
 {
+    files::removeStaleTemporaries(path);
     if (!writeAtomically(path, stateAsJson(system), error)) {
         return false;
     }
+    // A later write that fails leaves the last good state in the file and says so.
     system.setOnChange([&system, path] {
-        std::string ignored;
-        writeAtomically(path, stateAsJson(system), ignored);
+        std::string failure;
+        if (!writeAtomically(path, stateAsJson(system), failure)) {
+            std::fprintf(stderr, "orvanta: %s\n", failure.c_str());
+            std::fflush(stderr);
+        }
     });
     return true;
 }

@@ -17,7 +17,7 @@ struct ExpectedKey
     bool translated;
 };
 
-inline constexpr std::array<ExpectedKey, 50> kExpectedKeys{{
+inline constexpr std::array<ExpectedKey, 51> kExpectedKeys{{
     {u"Audio Outputs", false, true},
     {u"Refresh", false, true},
     {u"Primary Speaker", false, true},
@@ -68,6 +68,7 @@ inline constexpr std::array<ExpectedKey, 50> kExpectedKeys{{
     {u"keys_taken_reason", true, true},
     {u"keys_taken_text", true, true},
     {u"keys_wayland_text", true, true},
+    {u"Changes are not being saved: the settings file cannot be written.", true, true},
 }};
 
 // The keys that are names rather than English texts, and the English text of each.

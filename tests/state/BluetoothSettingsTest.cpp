@@ -106,6 +106,31 @@ TEST_F(BluetoothSettings, ValuesOfTheWrongKindAreRejected)
     EXPECT_EQ(state::delaysFromStored(QVariantMap{{"x", 200.0}}), (state::DelayMap{{"x", 200}}));
 }
 
+TEST_F(BluetoothSettings, AStoredDelayOutsideZeroTo600MakesTheStoredMapUnusable)
+{
+    EXPECT_EQ(state::delaysFromStored(QVariantMap{{"a", 0}, {"b", 600}}), (state::DelayMap{{"a", 0}, {"b", 600}}));
+    for (const auto& bad : {QVariant(601), QVariant(-1), QVariant(2000000000), QVariant(600.0 + 1)}) {
+        EXPECT_FALSE(state::delaysFromStored(QVariantMap{{"a", 100}, {"x", bad}})) << bad.toString().toStdString();
+    }
+}
+
+TEST_F(BluetoothSettings, AHugeStoredDelayIsIgnoredWholeAndReplacedAtTheNextChange)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("settings.json");
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(R"({"bluetoothDelaysByUID": {"bt": 150, "other": 2000000000}})");
+    }
+    linux_platform::JsonFileUserDefaults stored(path);
+    auto& app = start(&stored);
+    EXPECT_TRUE(app.bluetoothDelays().empty());
+    app.setBluetoothDelay(90, kBluetooth);
+    linux_platform::JsonFileUserDefaults reopened(path);
+    EXPECT_EQ(reopened.value("bluetoothDelaysByUID").toMap(), (QVariantMap{{"bt", 90}}));
+}
+
 TEST_F(BluetoothSettings, SurviveARestartInTheSettingsFile)
 {
     QTemporaryDir dir;

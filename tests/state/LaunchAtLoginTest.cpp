@@ -103,6 +103,53 @@ TEST_F(XdgAutostart, ExecIsQuotedAndEscaped)
 {
     EXPECT_EQ(linux_platform::desktopEntryExec("/usr/bin/orvanta"), "\"/usr/bin/orvanta\"");
     EXPECT_EQ(linux_platform::desktopEntryExec("/a$b/\"c\""), "\"/a\\\\$b/\\\\\"c\\\\\"\"");
+    // A literal '%' would start a field code: it is doubled, inside the quotes too.
+    EXPECT_EQ(linux_platform::desktopEntryExec("/opt/100%/orvanta"), "\"/opt/100%%/orvanta\"");
+    EXPECT_EQ(linux_platform::desktopEntryExec("/opt/%u"), "\"/opt/%%u\"");
+    // Quoting first (backslash before '"', '$', '`', '\\'), then the string escapes (each backslash
+    // doubled, a newline as \n).
+    EXPECT_EQ(linux_platform::desktopEntryExec("/opt/a b/100% \"$x`\\y\nz"),
+              "\"/opt/a b/100%% \\\\\"\\\\$x\\\\`\\\\\\\\y\\nz\"");
+}
+
+TEST_F(XdgAutostart, AnEntrySwitchedOffTheGnomeWayCountsAsOff)
+{
+    const auto statusOf = [this](const QByteArray& text) {
+        QDir().mkpath(dir.filePath("autostart"));
+        QFile file(entry);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(text);
+        file.close();
+        return items.status();
+    };
+    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=false\n"), Status::NotRegistered);
+    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled = false\n"), Status::NotRegistered);
+    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=true\n"), Status::Enabled);
+    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nHidden=false\n"), Status::Enabled);
+    // Only the main group counts, and a comment is no switch.
+    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\n[Desktop Action x]\nHidden=true\n"), Status::Enabled);
+    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\n# Hidden=true\n"), Status::Enabled);
+    // What this program writes reads as on.
+    ASSERT_EQ(items.registerItem(), std::nullopt);
+    EXPECT_EQ(items.status(), Status::Enabled);
+}
+
+TEST_F(XdgAutostart, SomethingOtherThanAFileAtTheEntryReadsAsOffWithoutWaiting)
+{
+    QDir().mkpath(dir.filePath("autostart"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(entry).constData(), 0600), 0);
+    EXPECT_EQ(items.status(), Status::NotRegistered);
+}
+
+TEST_F(XdgAutostart, AnEntryLeftHalfWrittenByAKilledWriterIsClearedAtStart)
+{
+    QDir().mkpath(dir.filePath("autostart"));
+    QFile stale(entry + ".tmp-Qw3Er5");
+    ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
+    stale.close();
+    linux_platform::XdgAutostartLoginItems next(entry, "/usr/bin/orvanta");
+    EXPECT_FALSE(QFileInfo::exists(entry + ".tmp-Qw3Er5"));
+    EXPECT_EQ(QDir(dir.filePath("autostart")).entryList(QDir::Files | QDir::Hidden), QStringList{});
 }
 
 TEST_F(XdgAutostart, UnwritableFolderGivesAReadableError)

@@ -12,6 +12,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 namespace orvanta::testing {
 namespace {
 
@@ -64,6 +68,29 @@ TEST(SingleInstance, ASocketLeftByACrashedInstanceDoesNotBlockTheNextStart)
     QLocalSocket client;
     client.connectToServer(next.socketPath());
     EXPECT_TRUE(runUntil([&client] { return client.state() == QLocalSocket::ConnectedState; }));
+}
+
+TEST(SingleInstance, ASecondLaunchWaitsForAFirstThatIsStillStarting)
+{
+    QTemporaryDir runtime;
+    ui::SingleInstance first(runtime.path());
+    ASSERT_EQ(first.claim(), ui::SingleInstance::Claim::First);
+    QSignalSpy activations(&first, &ui::SingleInstance::activationRequested);
+
+    // The second launch runs beside this one, which stands for a first instance that holds the
+    // lock and listens but, busy choosing its sound system, runs no event loop for a while:
+    // longer than one connection attempt takes, shorter than the second launch waits.
+    std::atomic<int> claim{-1};
+    std::thread second([&runtime, &claim] {
+        ui::SingleInstance later(runtime.path());
+        claim = static_cast<int>(later.claim());
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    const bool answered = runUntil([&claim] { return claim != -1; }, std::chrono::seconds(10));
+    second.join();
+    ASSERT_TRUE(answered);
+    EXPECT_EQ(claim, static_cast<int>(ui::SingleInstance::Claim::Notified));
+    EXPECT_EQ(activations.size(), 1);
 }
 
 // Starts the program with its own runtime and settings folders, on the simulated sound system.

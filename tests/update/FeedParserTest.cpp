@@ -35,6 +35,18 @@ TEST(UpdateFeedParser, EmptyStringsAreStillStrings)
     EXPECT_EQ(*feed, Feed{});
 }
 
+TEST(UpdateFeedParser, AVersionIsBoundedInLength)
+{
+    const auto feedWithVersion = [](const QByteArray& version) {
+        return parseFeed(R"({"version":")" + version + R"(","download_url":"u","release_notes":"n"})");
+    };
+    const QByteArray longest = QByteArray("1.") + QByteArray(kMaxVersionLength - 2, '9');
+    ASSERT_TRUE(feedWithVersion(longest).has_value());
+    EXPECT_EQ(feedWithVersion(longest)->version.size(), kMaxVersionLength);
+    EXPECT_FALSE(feedWithVersion(longest + "9").has_value());
+    EXPECT_FALSE(feedWithVersion(QByteArray(1 << 20, '7')).has_value());
+}
+
 class UpdateFeedParserRejects : public ::testing::TestWithParam<const char*>
 {};
 

@@ -11,6 +11,7 @@ void MemoryUserDefaults::setValue(const QString& key, const QVariant& value)
 {
     values.insert(key, value);
     ++writes;
+    reportSaved(!failWrites);
 }
 
 } // namespace orvanta::sim

@@ -1,6 +1,7 @@
 #pragma once
 
-// Settings kept in memory, for tests. Counts writes so tests can tell "stored" from "not stored".
+// Settings kept in memory, for tests. Counts writes so tests can tell "stored" from "not stored",
+// and can report writes as failed, as a full disk would.
 
 #include "services/UserDefaults.h"
 
@@ -16,6 +17,7 @@ public:
 
     QVariantMap values;
     int writes = 0;
+    bool failWrites = false; // each write still changes values, but is reported as not saved
 };
 
 } // namespace orvanta::sim
