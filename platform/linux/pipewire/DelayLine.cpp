@@ -73,6 +73,11 @@ void DelayTap::startFadeIfAsked()
 
 void DelayTap::render(const DelayLine& line, float* out, std::uint32_t frames)
 {
+    if (!rendered) {
+        // Nothing has been heard yet, so there is nothing to fade from.
+        current = target.load(std::memory_order_relaxed);
+        rendered = true;
+    }
     const std::uint64_t end = line.written();
     const std::uint64_t start = end >= frames ? end - frames : 0;
     for (std::uint32_t i = 0; i < frames; ++i) {

@@ -67,6 +67,7 @@ private:
     std::uint32_t fadeTo = 0;
     std::uint32_t fadeDone = 0;
     bool fading = false;
+    bool rendered = false;
     std::array<float, kFadeFrames> fadeIn{};
 };
 

@@ -6,6 +6,7 @@
 
 #include <pipewire/pipewire.h>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 
@@ -53,7 +54,7 @@ private:
     pw_context* pwContext = nullptr;
     pw_core* pwCore = nullptr;
     spa_hook coreListener{};
-    bool lost = false;
+    std::atomic<bool> lost{false};
 };
 
 } // namespace orvanta::pipewire
