@@ -16,6 +16,7 @@ constexpr float kClickAmplitude = 0.7f;
 constexpr float kClickThreshold = 0.25f;
 constexpr long kClickQuietFrames = kMeterRate / 10; // a click follows at least 100 ms of quiet
 constexpr float kToneAmplitude = 0.5f;
+constexpr qint64 kSettleFrames = kMeterRate / 5;
 constexpr float kQuietLevel = 0.01f;
 const QString kSixChannels = "--channel-map=front-left,front-right,rear-left,rear-right,front-center,lfe";
 
@@ -116,7 +117,7 @@ Recorder::Recorder(const SoundServer& server)
                    "--channels=" + QString::number(kMeterChannels), "--latency-msec=20", kSixChannels, kStayOnTarget});
     running = process.waitForStarted(5000);
     // The stream starts before the first sound it has to catch.
-    QThread::msleep(300);
+    QThread::msleep(kSettleFrames * 1000 / kMeterRate + 100);
 }
 
 Samples Recorder::stop(int tailMs)
@@ -130,8 +131,11 @@ Samples Recorder::stop(int tailMs)
         process.kill();
         process.waitForFinished(3000);
     }
-    const QByteArray bytes = file.readAll();
-    const auto whole = static_cast<std::size_t>(bytes.size()) / (sizeof(float) * kMeterChannels) * kMeterChannels;
+    // A new stream may begin with what the sink played just before it: drop its first moments,
+    // which the wait at the start keeps clear of anything a test plays.
+    const qint64 frameBytes = static_cast<qint64>(sizeof(float)) * kMeterChannels;
+    const QByteArray bytes = file.readAll().mid(kSettleFrames * frameBytes);
+    const auto whole = static_cast<std::size_t>(bytes.size() / frameBytes) * kMeterChannels;
     Samples samples(whole);
     std::memcpy(samples.data(), bytes.constData(), whole * sizeof(float));
     return samples;
