@@ -77,6 +77,12 @@ void MemberStream::detach(pw_data_loop* dataLoop)
 void MemberStream::onProcess(void* self)
 {
     auto* member = static_cast<MemberStream*>(self);
+    // A buffer still waiting means the sink skipped a cycle; another one now would make this
+    // member a cycle late for good. It loses this cycle instead and stays in step.
+    pw_time time{};
+    if (pw_stream_get_time_n(member->stream, &time, sizeof time) == 0 && time.queued_buffers > 0) {
+        return;
+    }
     pw_buffer* buffer = pw_stream_dequeue_buffer(member->stream);
     if (!buffer) {
         return;

@@ -195,24 +195,46 @@ void StackedNode::publishLatency()
 
 // ---- callbacks ----
 
+// How many frames this cycle lasts at the line's rate, from how far the graph's clock moved.
+std::uint32_t StackedNode::cycleLength(const pw_time& time)
+{
+    std::uint32_t frames = 0;
+    if (lastTicks != 0 && time.ticks > lastTicks && time.rate.denom != 0) {
+        const auto ticks = time.ticks - lastTicks;
+        frames = static_cast<std::uint32_t>(
+            std::min<std::uint64_t>(ticks * kRate * time.rate.num / time.rate.denom, DelayLine::kCapacityFrames / 4));
+    }
+    lastTicks = time.ticks;
+    return frames;
+}
+
+// Every cycle moves the line on by the cycle's length, with what players sent or, where they
+// sent less (a player that pauses, ends or falls behind), with silence: the held-back members
+// keep playing what they still owe, in time.
 void StackedNode::onInputProcess(void* self)
 {
     auto* node = static_cast<StackedNode*>(self);
-    pw_buffer* buffer = pw_stream_dequeue_buffer(node->input);
-    if (!buffer) {
-        return;
+    pw_time time{};
+    const std::uint32_t length =
+        pw_stream_get_time_n(node->input, &time, sizeof time) == 0 ? node->cycleLength(time) : 0;
+    std::uint32_t frames = 0;
+    if (pw_buffer* buffer = pw_stream_dequeue_buffer(node->input)) {
+        const spa_data& data = buffer->buffer->datas[0];
+        const std::uint32_t stride = kChannels * sizeof(float);
+        const std::uint32_t offset = std::min(data.chunk->offset, data.maxsize);
+        frames = std::min(data.chunk->size, data.maxsize - offset) / stride;
+        if (data.data) {
+            node->cycle.line.write(static_cast<const float*>(data.data) + offset / sizeof(float), frames);
+        } else {
+            node->cycle.line.writeSilence(frames);
+        }
+        pw_stream_queue_buffer(node->input, buffer);
     }
-    const spa_data& data = buffer->buffer->datas[0];
-    const std::uint32_t stride = kChannels * sizeof(float);
-    const std::uint32_t offset = std::min(data.chunk->offset, data.maxsize);
-    const std::uint32_t frames = std::min(data.chunk->size, data.maxsize - offset) / stride;
-    if (data.data) {
-        node->cycle.line.write(static_cast<const float*>(data.data) + offset / sizeof(float), frames);
-    } else {
-        node->cycle.line.writeSilence(frames);
+    if (frames < length) {
+        node->cycle.line.writeSilence(length - frames);
+        frames = length;
     }
     node->cycle.frames = frames;
-    pw_stream_queue_buffer(node->input, buffer);
     for (const auto& stream : node->members) {
         if (auto* live = stream->live()) {
             pw_stream_trigger_process(live);

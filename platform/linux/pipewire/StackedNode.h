@@ -52,6 +52,7 @@ private:
     void publishLatency();
     MemberStream* member(const std::string& uid) const;
 
+    std::uint32_t cycleLength(const pw_time& time);
     static void onInputProcess(void* self);
     static void onGlobal(void* self, std::uint32_t id, std::uint32_t permissions, const char* type,
                          std::uint32_t version, const spa_dict* props);
@@ -72,6 +73,7 @@ private:
     std::map<std::uint32_t, std::string> sinkNodes; // PipeWire node id -> node name
     spa_source* watchTimer = nullptr;
     bool wasConnected = true;
+    std::uint64_t lastTicks = 0; // the graph's clock at the last cycle, on the data thread
 };
 
 } // namespace orvanta::pipewire
