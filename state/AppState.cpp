@@ -5,6 +5,7 @@
 #include "services/AccessibilityTrust.h"
 #include "services/LoginItems.h"
 #include "services/PlatformServices.h"
+#include "services/UserDefaults.h"
 
 #include <QPointer>
 
@@ -15,6 +16,8 @@ AppState::AppState(AppStateServices appServices, QObject* parent) : QObject(pare
     // The login item's status is the starting value, not a choice: nothing is registered here.
     startsAtLogin = services.loginItems.status() == platform::LoginItems::Status::Enabled;
     loadPersistedMaps();
+    restoresSync = services.userDefaults.value(QString::fromLatin1(kRestoreSyncKey)).toBool();
+    restorePending = restoresSync;
     setDevices(services.audio.getOutputDevices());
     setTrusted(services.trust.isProcessTrusted());
     startPermissionTimer();
@@ -47,17 +50,20 @@ void AppState::setDevices(DeviceList value)
 {
     deviceList = std::move(value);
     emit devicesChanged();
+    restoreSyncIfPending();
 }
 
 void AppState::setSelectedDevice1(OptionalDevice value)
 {
     primary = std::move(value);
+    restorePending = false;
     emit selectedDevice1Changed();
 }
 
 void AppState::setSelectedDevice2(OptionalDevice value)
 {
     secondary = std::move(value);
+    restorePending = false;
     emit selectedDevice2Changed();
 }
 
