@@ -14,6 +14,7 @@
 #include "services/SimEventTap.h"
 #include "services/SimulatedAlerts.h"
 #include "services/SimulatedBundleInfo.h"
+#include "services/SimulatedSoundSystemStatus.h"
 #include "services/SimulatedWorkspace.h"
 #include "sim/DeviceDescription.h"
 #include "sim/SimulatedAudioHardware.h"
@@ -123,13 +124,10 @@ int main(int argc, char** argv)
     sim::SimulatedBundleInfo bundle(QStringLiteral("0.1.0"));
     i18n::LanguageManager lang(defaults);
     state::AppState appState({audioLayer, defaults, loginItems, trust, mediaKeys, printed.log()});
-    const ui::ViewServices services{audioLayer,
-                                    mediaKeys,
-                                    trust,
-                                    alerts,
-                                    workspace,
-                                    &bundle,
-                                    QStringLiteral("Using the simulated sound system (built-in devices)")};
+    // Drawn as on a desktop whose sound server answers and that handles the volume keys.
+    sim::SimulatedSoundSystemStatus soundStatus(platform::SoundSystemStatus::State::Connected);
+    trust.trusted = true;
+    const ui::ViewServices services{audioLayer, mediaKeys, trust, alerts, workspace, &bundle, &soundStatus};
 
     const auto devices = appState.devices();
     const auto byName = [&devices](const std::string& name) {

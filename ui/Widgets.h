@@ -99,6 +99,10 @@ private:
 // alignment is logical (Qt::AlignLeading, Qt::AlignTrailing, ...).
 void alignByLayout(QLabel* label, Qt::Alignment alignment);
 
+// The width that any whole number of up to digits digits followed by suffix takes in metrics
+// ("100%", "600 ms"), so a label sized by it never cuts a value, at any text size.
+int widestNumberWidth(const QFontMetrics& metrics, int digits, const QString& suffix);
+
 // Draws the widget's text in tint, worked out again from its palette whenever that changes
 // (a switch between light and dark), so the colour stays legible on the new background.
 void applyTint(QWidget* widget, Tint tint);
