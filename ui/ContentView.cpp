@@ -32,17 +32,6 @@ namespace {
 
 const QString kProductName = QStringLiteral("Orvanta");
 
-QLabel* makeLabel(TextStyle style, const QString& objectName, QWidget* parent, bool wrap = false)
-{
-    auto* label = new QLabel(parent);
-    label->setObjectName(objectName);
-    label->setFont(fontFor(style, parent->font()));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(wrap);
-    alignByLayout(label, Qt::AlignLeading | Qt::AlignVCenter);
-    return label;
-}
-
 QFont bold(QFont font)
 {
     font.setBold(true);
@@ -106,7 +95,7 @@ QWidget* ContentView::buildHeader()
     row->setSpacing(12);
     auto* icon = new AppIconView(45, 10, true, header);
     icon->setObjectName(QStringLiteral("headerIcon"));
-    auto* name = makeLabel(TextStyle::Title, QStringLiteral("productName"), header);
+    auto* name = makeTextLabel(TextStyle::Title, QStringLiteral("productName"), header);
     name->setFont(bold(name->font()));
     name->setText(kProductName);
     languagePicker = new QComboBox(header);
@@ -132,7 +121,7 @@ QWidget* ContentView::buildOutputs()
     column->setSpacing(5);
 
     auto* titleRow = new QHBoxLayout();
-    outputsTitle = makeLabel(TextStyle::Headline, QStringLiteral("outputsTitle"), group);
+    outputsTitle = makeTextLabel(TextStyle::Headline, QStringLiteral("outputsTitle"), group);
     refreshButton = new QToolButton(group);
     refreshButton->setObjectName(QStringLiteral("refreshButton"));
     refreshButton->setAutoRaise(true);
@@ -151,11 +140,11 @@ QWidget* ContentView::buildOutputs()
     soundSystem = new SoundSystemNotice(lang, services.soundSystem, group);
     column->addWidget(soundSystem->notice());
 
-    primaryTitle = makeLabel(TextStyle::Caption, QStringLiteral("primaryTitle"), group);
+    primaryTitle = makeTextLabel(TextStyle::Caption, QStringLiteral("primaryTitle"), group);
     primaryTitle->setFont(bold(primaryTitle->font()));
     primaryPicker = new QComboBox(group);
     primaryPicker->setObjectName(QStringLiteral("primaryPicker"));
-    secondaryTitle = makeLabel(TextStyle::Caption, QStringLiteral("secondaryTitle"), group);
+    secondaryTitle = makeTextLabel(TextStyle::Caption, QStringLiteral("secondaryTitle"), group);
     secondaryTitle->setFont(bold(secondaryTitle->font()));
     secondaryPicker = new QComboBox(group);
     secondaryPicker->setObjectName(QStringLiteral("secondaryPicker"));
@@ -186,7 +175,7 @@ QWidget* ContentView::buildBalance()
     auto* column = new QVBoxLayout(balance);
     column->setContentsMargins(16, 0, 16, 0);
     column->setSpacing(18);
-    balanceTitle = makeLabel(TextStyle::Headline, QStringLiteral("balanceTitle"), balance);
+    balanceTitle = makeTextLabel(TextStyle::Headline, QStringLiteral("balanceTitle"), balance);
     primaryBlock = new SpeakerBlock(lang, appState, Speaker::Primary, balance);
     secondaryBlock = new SpeakerBlock(lang, appState, Speaker::Secondary, balance);
 
@@ -197,7 +186,7 @@ QWidget* ContentView::buildBalance()
     noteRow->setSpacing(6);
     auto* info = new SymbolView(QStringLiteral("info.circle.fill"), Tint::Blue, symbolSize(TextStyle::Caption, font()),
                                 delayNote);
-    delayNoteText = makeLabel(TextStyle::Caption2, QStringLiteral("delayNoteText"), delayNote, true);
+    delayNoteText = makeTextLabel(TextStyle::Caption2, QStringLiteral("delayNoteText"), delayNote, true);
     applyTint(delayNoteText, Tint::Secondary);
     noteRow->addWidget(info, 0, Qt::AlignTop);
     noteRow->addWidget(delayNoteText, 1);
@@ -207,80 +196,6 @@ QWidget* ContentView::buildBalance()
     column->addWidget(secondaryBlock);
     column->addWidget(delayNote);
     return balance;
-}
-
-QWidget* ContentView::buildNotes()
-{
-    auto* notes = new QWidget(this);
-    notes->setObjectName(QStringLiteral("notes"));
-    auto* column = new QVBoxLayout(notes);
-    column->setContentsMargins(0, 5, 0, 0);
-    column->setSpacing(6);
-    notesTitle = makeLabel(TextStyle::Caption, QStringLiteral("notesTitle"), notes);
-    notesTitle->setFont(bold(notesTitle->font()));
-    applyTint(notesTitle, Tint::Gray);
-
-    auto* warningRow = new QHBoxLayout();
-    warningRow->setSpacing(6);
-    auto* triangle = new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), Tint::Yellow,
-                                    symbolSize(TextStyle::Caption, font()), notes);
-    warningText = makeLabel(TextStyle::Caption2, QStringLiteral("warningText"), notes, true);
-    warningRow->addWidget(triangle, 0, Qt::AlignTop);
-    warningRow->addWidget(warningText, 1);
-
-    keepRunningText = makeLabel(TextStyle::Caption2, QStringLiteral("keepRunningText"), notes, true);
-    applyTint(keepRunningText, Tint::Gray);
-    volumeKeysText = makeLabel(TextStyle::Caption2, QStringLiteral("volumeKeysText"), notes, true);
-    applyTint(volumeKeysText, Tint::Gray);
-
-    column->addWidget(notesTitle);
-    column->addLayout(warningRow);
-    column->addWidget(keepRunningText);
-    column->addWidget(volumeKeysText);
-    return notes;
-}
-
-QWidget* ContentView::buildFooter()
-{
-    auto* footer = new QWidget(this);
-    auto* column = new QVBoxLayout(footer);
-    column->setContentsMargins(0, 5, 0, 0);
-    column->setSpacing(0);
-
-    supportButton = new SupportButton(footer);
-    supportButton->setObjectName(QStringLiteral("supportButton"));
-    connect(supportButton, &QPushButton::clicked, this, [this] { openAddress(update::donationAddress()); });
-    column->addWidget(supportButton);
-    column->addSpacing(20 + 2);
-
-    auto* links = new QHBoxLayout();
-    links->setSpacing(10);
-    privacyLink = new LinkButton(footer);
-    privacyLink->setObjectName(QStringLiteral("privacyLink"));
-    connect(privacyLink, &QPushButton::clicked, this, [this] { openAddress(update::privacyPolicyAddress()); });
-    auto* dot = makeLabel(TextStyle::Small, QStringLiteral("linkSeparator"), footer);
-    dot->setText(QStringLiteral("•"));
-    applyTint(dot, Tint::Secondary);
-    termsLink = new LinkButton(footer);
-    termsLink->setObjectName(QStringLiteral("termsLink"));
-    connect(termsLink, &QPushButton::clicked, this, [this] { openAddress(update::termsOfUseAddress()); });
-    links->addStretch(1);
-    links->addWidget(privacyLink);
-    links->addWidget(dot);
-    links->addWidget(termsLink);
-    links->addStretch(1);
-    column->addLayout(links);
-
-    versionLabel = makeLabel(TextStyle::Tiny, QStringLiteral("versionLabel"), footer);
-    alignByLayout(versionLabel, Qt::AlignCenter);
-    applyTint(versionLabel, Tint::Secondary);
-    const std::optional<QString> version =
-        services.bundle != nullptr ? services.bundle->shortVersionString() : std::nullopt;
-    versionLabel->setText(version ? QStringLiteral("v") + *version : QString());
-    versionLabel->setVisible(version.has_value());
-    column->addSpacing(20 + 2);
-    column->addWidget(versionLabel);
-    return footer;
 }
 
 void ContentView::redraw()
@@ -333,62 +248,6 @@ void ContentView::redraw()
     termsLink->updateGeometry();
 
     updateGeometry();
-}
-
-void ContentView::redrawPickers()
-{
-    // The entries are rebuilt only when the list or the language changed, so that a redraw while
-    // a picker is open leaves it alone.
-    if (pickerDevices != appState.devices() || pickerLanguage != lang.currentLanguage() ||
-        primaryPicker->count() == 0) {
-        pickerDevices = appState.devices();
-        pickerLanguage = lang.currentLanguage();
-        fillPicker(primaryPicker);
-        fillPicker(secondaryPicker);
-    }
-    showSelection(primaryPicker, appState.selectedDevice1());
-    showSelection(secondaryPicker, appState.selectedDevice2());
-}
-
-void ContentView::fillPicker(QComboBox* picker)
-{
-    const QSignalBlocker quiet(picker);
-    picker->clear();
-    picker->addItem(lang.translate(QStringLiteral("Select...")));
-    const QIcon bluetooth = symbolIcon(QStringLiteral("wave.3.right.circle.fill"), Tint::Blue);
-    for (const auto& device : pickerDevices) {
-        // Only the device's own report counts here, not the user's mark.
-        if (device.isBluetooth) {
-            picker->addItem(bluetooth, QString::fromStdString(device.name));
-        } else {
-            picker->addItem(QString::fromStdString(device.name));
-        }
-    }
-}
-
-void ContentView::showSelection(QComboBox* picker, const state::OptionalDevice& selected)
-{
-    int index = 0;
-    if (selected) {
-        // A selected device that is no longer listed matches no entry; the selection stays.
-        const auto found = std::find(pickerDevices.begin(), pickerDevices.end(), *selected);
-        index = found == pickerDevices.end() ? -1 : static_cast<int>(found - pickerDevices.begin()) + 1;
-    }
-    const QSignalBlocker quiet(picker);
-    picker->setCurrentIndex(index);
-}
-
-void ContentView::choose(QComboBox* picker, int index)
-{
-    state::OptionalDevice chosen;
-    if (index > 0 && static_cast<std::size_t>(index) <= pickerDevices.size()) {
-        chosen = pickerDevices[static_cast<std::size_t>(index - 1)];
-    }
-    if (picker == primaryPicker) {
-        appState.setSelectedDevice1(std::move(chosen));
-    } else {
-        appState.setSelectedDevice2(std::move(chosen));
-    }
 }
 
 int ContentView::heightForWidth(int width) const

@@ -13,17 +13,6 @@ namespace {
 
 using Obstacle = platform::AccessibilityTrust::Obstacle;
 
-QLabel* bannerLabel(TextStyle style, const QString& objectName, QWidget* parent)
-{
-    auto* label = new QLabel(parent);
-    label->setObjectName(objectName);
-    label->setFont(fontFor(style, parent->font()));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    alignByLayout(label, Qt::AlignLeading | Qt::AlignVCenter);
-    return label;
-}
-
 } // namespace
 
 PermissionBanner::PermissionBanner(i18n::LanguageManager& languageManager, platform::AccessibilityTrust& keyTrust,
@@ -46,10 +35,9 @@ PermissionBanner::PermissionBanner(i18n::LanguageManager& languageManager, platf
 
     auto* texts = new QVBoxLayout();
     texts->setSpacing(4);
-    title = bannerLabel(TextStyle::Headline, QStringLiteral("bannerTitle"), panel);
-    title->setWordWrap(false);
+    title = makeTextLabel(TextStyle::Headline, QStringLiteral("bannerTitle"), panel);
     applyTint(title, Tint::White);
-    text = bannerLabel(TextStyle::Caption, QStringLiteral("bannerText"), panel);
+    text = makeTextLabel(TextStyle::Caption, QStringLiteral("bannerText"), panel, true);
     QPalette textColors = text->palette();
     textColors.setColor(QPalette::WindowText, QColor(255, 255, 255, 242));
     text->setPalette(textColors);

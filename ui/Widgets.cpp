@@ -125,6 +125,17 @@ void alignByLayout(QLabel* label, Qt::Alignment alignment)
     label->installEventFilter(new LayoutAlignment(label, alignment));
 }
 
+QLabel* makeTextLabel(TextStyle style, const QString& objectName, QWidget* parent, bool wrap)
+{
+    auto* label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setFont(fontFor(style, parent->font()));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(wrap);
+    alignByLayout(label, Qt::AlignLeading | Qt::AlignVCenter);
+    return label;
+}
+
 int widestNumberWidth(const QFontMetrics& metrics, int digits, const QString& suffix)
 {
     int widest = 0;

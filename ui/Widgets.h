@@ -75,6 +75,10 @@ private:
 
 QFrame* makeDivider(QWidget* parent = nullptr);
 
+// A plain-text label in the style's font, aligned to the leading edge of the layout, wrapping
+// onto more lines when wrap is set.
+QLabel* makeTextLabel(TextStyle style, const QString& objectName, QWidget* parent, bool wrap = false);
+
 // A horizontal slider whose knob goes straight to a click on the track and is dragged from there,
 // so that a click is one edit with a beginning and an end, as a drag is.
 class DirectSlider : public QSlider
