@@ -17,6 +17,7 @@
 #include "i18n/LanguageManager.h"
 #include "services/PlatformServices.h"
 #include "services/SimulatedSoundSystemStatus.h"
+#include "sim/SimulatedAudioHardware.h"
 #include "state/AppState.h"
 #include "state/MediaKeyManager.h"
 #include "ui/OrvantaApp.h"
@@ -72,7 +73,9 @@ int main(int argc, char** argv)
     if (auto* server = dynamic_cast<pulse::PulseAudioHardware*>(backend.hardware.get())) {
         soundStatus = std::make_unique<linux_platform::PulseSoundSystemStatus>(server->connection());
     } else {
-        soundStatus = std::make_unique<sim::SimulatedSoundSystemStatus>();
+        const bool simulated = dynamic_cast<sim::SimulatedAudioHardware*>(backend.hardware.get()) != nullptr;
+        soundStatus = std::make_unique<sim::SimulatedSoundSystemStatus>(
+            simulated ? platform::SoundSystemStatus::State::Simulated : platform::SoundSystemStatus::State::Connected);
     }
     // The volume keys are grabbed on an X11 display. In a Wayland session (even through
     // XWayland) the desktop has them; they reach the stacked device when it handles them.
