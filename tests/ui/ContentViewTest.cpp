@@ -1,6 +1,5 @@
-#include "UiFixture.h"
+#include "MainWindowContent.h"
 
-#include "services/SimulatedSoundSystemStatus.h"
 #include "ui/ContentView.h"
 #include "ui/SpeakerBlock.h"
 #include "update/SiteAddresses.h"
@@ -25,50 +24,6 @@ const QString kBluetoothTail =
     QStringLiteral(". Bluetooth audio has inherent latency (100-200ms delay). For best sync, use wired connections or "
                    "check if your Bluetooth speaker supports direct wired connection to avoid audio delay.");
 const QString kVolumeTail = QStringLiteral(". Consider using apps like SoundSource for software volume control.");
-
-class MainWindowContent : public ::testing::Test, public UiFixture
-{
-protected:
-    explicit MainWindowContent(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth())
-        : UiFixture(std::move(devices))
-    {}
-
-    ui::ContentView& view()
-    {
-        if (!content) {
-            content = std::make_unique<ui::ContentView>(lang, *appState, services());
-        }
-        return *content;
-    }
-
-    // Picks entry index of a picker the way the keyboard does.
-    static void pick(QComboBox* picker, int index)
-    {
-        ASSERT_NE(picker, nullptr);
-        picker->setFocus();
-        QTest::keyClick(picker, Qt::Key_Home);
-        for (int i = 0; i < index; ++i) {
-            QTest::keyClick(picker, Qt::Key_Down);
-        }
-        ASSERT_EQ(picker->currentIndex(), index);
-    }
-
-    void pickBoth(int primary, int secondary)
-    {
-        pick(child<QComboBox>(&view(), "primaryPicker"), primary);
-        pick(child<QComboBox>(&view(), "secondaryPicker"), secondary);
-    }
-
-    void turnSyncOn()
-    {
-        click(child<QAbstractButton>(&view(), "syncSwitch"));
-        drainEvents();
-    }
-
-    QWidget* block(const char* name) { return child<QWidget>(&view(), name); }
-
-    std::unique_ptr<ui::ContentView> content;
-};
 
 TEST_F(MainWindowContent, HasAFixedWidthOf420)
 {
@@ -283,29 +238,6 @@ TEST_F(MainWindowContent, PermissionBannerShowsUntilTrustedAndItsButtonAsksForTr
     EXPECT_FALSE(shown(banner));
 }
 
-TEST_F(MainWindowContent, TheBannerSaysWhyAndOffersTheButtonOnlyWhereItLeadsSomewhere)
-{
-    using Obstacle = platform::AccessibilityTrust::Obstacle;
-    auto* text = child<QLabel>(&view(), "bannerText");
-    auto* button = child<QAbstractButton>(&view(), "openSystemSettingsButton");
-
-    // Keys held elsewhere on a desktop whose shortcut settings are unknown: the reason, no steps.
-    trust.canPrompt = false;
-    view().redraw();
-    EXPECT_EQ(text->text(), "Another program is using the volume keys, often the desktop's own volume control.");
-    EXPECT_FALSE(shown(button));
-
-    trust.blockedBy = Obstacle::SessionGivesNoKeys;
-    view().redraw();
-    EXPECT_THAT(text->text().toStdString(), ::testing::HasSubstr("Wayland"));
-    EXPECT_FALSE(shown(button));
-
-    trust.blockedBy = Obstacle::DesktopKeysUnknown;
-    lang.setCurrentLanguage("Deutsch");
-    EXPECT_THAT(text->text().toStdString(), ::testing::HasSubstr("Lautstärketasten"));
-    EXPECT_FALSE(shown(button));
-}
-
 TEST_F(MainWindowContent, GrantingTrustWhileSyncIsOnStartsTheVolumeKeyTap)
 {
     taps.allowed = false;
@@ -351,47 +283,6 @@ TEST_F(MainWindowContent, VersionLabelShowsTheBuildsVersionOrNothing)
     withoutVersion.bundle = nullptr;
     ui::ContentView bare(lang, *appState, withoutVersion);
     EXPECT_FALSE(shown(child<QLabel>(&bare, "versionLabel")));
-}
-
-TEST_F(MainWindowContent, TheSoundSystemLineFollowsTheConnectionAsItChanges)
-{
-    using State = platform::SoundSystemStatus::State;
-    sim::SimulatedSoundSystemStatus status(State::Connecting);
-    auto withStatus = services();
-    withStatus.soundSystem = &status;
-    ui::ContentView withLine(lang, *appState, withStatus);
-    auto* line = child<QLabel>(&withLine, "soundSystemLabel");
-    EXPECT_TRUE(shown(line));
-    EXPECT_EQ(line->text(), "Sound system: connecting…");
-    EXPECT_FALSE(shown(child<QWidget>(&withLine, "simulatedNotice")));
-
-    status.setState(State::NotAnswering);
-    EXPECT_EQ(line->text(), "Sound system: not answering. Orvanta connects as soon as it does.");
-
-    // The server's devices arrive with the connection: the list is read again at once.
-    sim.system.addDevice(outputDevice("Late Arrival", "late"));
-    status.setState(State::Connected);
-    EXPECT_EQ(line->text(), "Sound system: connected.");
-    EXPECT_EQ(appState->devices().size(), 3u);
-
-    lang.setCurrentLanguage("Español");
-    EXPECT_EQ(line->text(), "Sistema de sonido: conectado.");
-}
-
-TEST_F(MainWindowContent, TheSimulatedSoundSystemSaysItsDevicesAreNotReal)
-{
-    sim::SimulatedSoundSystemStatus status;
-    auto withStatus = services();
-    withStatus.soundSystem = &status;
-    ui::ContentView withLine(lang, *appState, withStatus);
-    EXPECT_FALSE(shown(child<QLabel>(&withLine, "soundSystemLabel")));
-    EXPECT_TRUE(shown(child<QWidget>(&withLine, "simulatedNotice")));
-    EXPECT_THAT(child<QLabel>(&withLine, "simulatedText")->text().toStdString(),
-                ::testing::StartsWith("Simulated sound system: these devices are not real"));
-    lang.setCurrentLanguage("日本語");
-    EXPECT_THAT(child<QLabel>(&withLine, "simulatedText")->text().toStdString(),
-                ::testing::StartsWith("シミュレートされたサウンドシステム"));
-    EXPECT_FALSE(shown(child<QLabel>(&view(), "soundSystemLabel"))); // without a status: nothing
 }
 
 // Every text the content shows, by widget.
