@@ -3,9 +3,8 @@
 // The main window's content: one column 420 pixels wide with the language picker, the
 // permission banner, the two device pickers with what the sound system is doing, the sync
 // switch, the balance section with both speakers, the notes, the support button, the links and
-// the version. It reads AppState and
-// the language manager and redraws whenever either announces a change; the only state it owns
-// is that of its three alerts.
+// the version. It reads AppState and the language manager and redraws whenever either announces
+// a change; the only state it owns is that of its three alerts.
 
 #include "ViewServices.h"
 #include "state/AppState.h"
