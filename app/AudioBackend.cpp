@@ -64,14 +64,17 @@ AudioBackend serverBackend(std::unique_ptr<pulse::PulseConnection> connection, b
     AudioBackend backend;
     if (answered && isPipeWire(*connection)) {
         if (auto session = pipewire::PipeWireLoop::connect()) {
-            backend.hardware =
-                std::make_unique<pipewire::PipeWireAudioHardware>(std::move(connection), std::move(session));
+            auto hardware = std::make_unique<pipewire::PipeWireAudioHardware>(std::move(connection), std::move(session));
+            backend.connection = &hardware->connection();
+            backend.hardware = std::move(hardware);
             backend.description = "Using PipeWire";
             return backend;
         }
     }
     const bool pipeWireServer = answered && isPipeWire(*connection);
-    backend.hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
+    auto hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
+    backend.connection = &hardware->connection();
+    backend.hardware = std::move(hardware);
     if (!answered) {
         backend.description = "The sound server does not answer yet; Orvanta will connect when it does";
     } else {

@@ -1,9 +1,11 @@
 // Renders the main window and the tray panel to PNG files, in several languages, over the
-// built-in simulated devices: sync off with both speakers chosen; sync on with a Bluetooth
-// speaker and its delay row; the panel with sync on. Used to look at the layout with the longest
-// translations, in a light and in a dark palette.
+// built-in simulated devices, drawn as on a desktop whose sound server answers: sync off with
+// both speakers chosen; sync on with a Bluetooth speaker and its delay row; the panel with sync
+// on. Each in a light and in a dark palette. The window is sized for the screen it is shown on,
+// as the program sizes it (scripts/screenshots shows it on a 1366x768 screen).
 //
-//   orvanta_screenshots FOLDER [LANGUAGE ...]     (language display names; default: four of them)
+//   orvanta_screenshots FOLDER [LANGUAGE ...]     (language display names; default: English,
+//                                                  العربية and 日本語)
 
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
@@ -14,6 +16,7 @@
 #include "services/SimEventTap.h"
 #include "services/SimulatedAlerts.h"
 #include "services/SimulatedBundleInfo.h"
+#include "services/SimulatedSoundSystemStatus.h"
 #include "services/SimulatedWorkspace.h"
 #include "sim/DeviceDescription.h"
 #include "sim/SimulatedAudioHardware.h"
@@ -105,8 +108,7 @@ int main(int argc, char** argv)
     const QString folder = arguments.first();
     QStringList languages = arguments.mid(1);
     if (languages.isEmpty()) {
-        languages = {QStringLiteral("English"), QStringLiteral("Español"), QStringLiteral("日本語"),
-                     QStringLiteral("العربية")};
+        languages = {QStringLiteral("English"), QStringLiteral("العربية"), QStringLiteral("日本語")};
     }
     QDir().mkpath(folder);
 
@@ -116,6 +118,7 @@ int main(int argc, char** argv)
     sim::MemoryUserDefaults defaults;
     sim::MemoryLoginItems loginItems;
     sim::SimAccessibilityTrust trust;
+    trust.trusted = true; // the desktop handles the volume keys: no banner
     sim::SimEventTap taps;
     state::MediaKeyManager mediaKeys(taps, printed.log());
     sim::SimulatedAlerts alerts;
@@ -123,13 +126,9 @@ int main(int argc, char** argv)
     sim::SimulatedBundleInfo bundle(QStringLiteral("0.1.0"));
     i18n::LanguageManager lang(defaults);
     state::AppState appState({audioLayer, defaults, loginItems, trust, mediaKeys, printed.log()});
-    const ui::ViewServices services{audioLayer,
-                                    mediaKeys,
-                                    trust,
-                                    alerts,
-                                    workspace,
-                                    &bundle,
-                                    QStringLiteral("Using the simulated sound system (built-in devices)")};
+    // Drawn as on a desktop whose sound server answers.
+    sim::SimulatedSoundSystemStatus soundStatus(platform::SoundSystemStatus::State::Connected);
+    const ui::ViewServices services{audioLayer, mediaKeys, trust, alerts, workspace, &bundle, &soundStatus};
 
     const auto devices = appState.devices();
     const auto byName = [&devices](const std::string& name) {
@@ -144,8 +143,7 @@ int main(int argc, char** argv)
     bool allSaved = true;
     for (const bool dark : {false, true}) {
         QApplication::setPalette(dark ? darkPalette() : QApplication::style()->standardPalette());
-        const QStringList shown = dark ? QStringList{languages.first()} : languages;
-        for (const QString& language : shown) {
+        for (const QString& language : languages) {
             lang.setCurrentLanguage(language);
             QApplication::setLayoutDirection(lang.layoutDirection());
             const QString tag = tableName(language) + (dark ? QStringLiteral("-dark") : QString());

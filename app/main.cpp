@@ -7,6 +7,7 @@
 #include "JsonFileUserDefaults.h"
 #include "MessageBoxAlerts.h"
 #include "NetworkHttpClient.h"
+#include "PulseSoundSystemStatus.h"
 #include "X11AccessibilityTrust.h"
 #include "X11EventTap.h"
 #include "XdgAutostartLoginItems.h"
@@ -14,6 +15,8 @@
 #include "core/DiagnosticLog.h"
 #include "i18n/LanguageManager.h"
 #include "services/PlatformServices.h"
+#include "services/SimulatedSoundSystemStatus.h"
+#include "sim/SimulatedAudioHardware.h"
 #include "state/AppState.h"
 #include "state/MediaKeyManager.h"
 #include "ui/OrvantaApp.h"
@@ -64,11 +67,24 @@ int main(int argc, char** argv)
     linux_platform::JsonFileUserDefaults userDefaults;
     linux_platform::XdgAutostartLoginItems loginItems(linux_platform::XdgAutostartLoginItems::defaultEntryPath(),
                                                       QCoreApplication::applicationFilePath());
-    // The volume keys are taken on the X11 display; without one (Wayland, no display) there is
-    // no connection, the program is never trusted and the permission banner says why.
+    // The sound server's connection, followed live; the simulated system says it is one.
+    std::unique_ptr<platform::SoundSystemStatus> soundStatus;
+    if (backend.connection) {
+        soundStatus = std::make_unique<linux_platform::PulseSoundSystemStatus>(*backend.connection);
+    } else {
+        const bool simulated = dynamic_cast<sim::SimulatedAudioHardware*>(backend.hardware.get()) != nullptr;
+        soundStatus = std::make_unique<sim::SimulatedSoundSystemStatus>(
+            simulated ? platform::SoundSystemStatus::State::Simulated : platform::SoundSystemStatus::State::Connected);
+    }
+    // The volume keys are grabbed on an X11 display. In a Wayland session (even through
+    // XWayland) the desktop has them; they reach the stacked device when it handles them.
     auto* x11Native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    x11::X11VolumeKeys volumeKeys(x11Native ? x11Native->connection() : nullptr);
-    x11::X11AccessibilityTrust trust(volumeKeys);
+    const bool waylandSession = qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland");
+    x11::X11VolumeKeys volumeKeys(x11Native && !waylandSession ? x11Native->connection() : nullptr);
+    const bool onServer = soundStatus->state() != platform::SoundSystemStatus::State::Simulated;
+    x11::X11AccessibilityTrust trust(
+        volumeKeys, onServer ? x11::X11AccessibilityTrust::Sound::Server : x11::X11AccessibilityTrust::Sound::Simulated,
+        qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
     x11::X11EventTap eventTap(volumeKeys);
     linux_platform::NetworkHttpClient http;
     linux_platform::MessageBoxAlerts alerts;
@@ -91,7 +107,8 @@ int main(int argc, char** argv)
                            alerts,
                            workspace,
                            &bundle,
-                           QString::fromStdString(backend.description)};
+                           soundStatus.get(),
+                           &userDefaults};
     ui::OrvantaApp shell([]() -> i18n::LanguageManager& { return i18n::LanguageManager::shared(); },
                          []() -> state::AppState& { return state::AppState::shared(); },
                          ui::ShellServices{views, update::UpdateChecker::shared(), {}, {}});

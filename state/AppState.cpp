@@ -23,6 +23,8 @@ AppState::AppState(AppStateServices appServices, QObject* parent) : QObject(pare
         }
     });
     loadPersistedMaps();
+    restoresSync = services.userDefaults.value(QString::fromLatin1(kRestoreSyncKey)).toBool();
+    restorePending = restoresSync;
     setDevices(services.audio.getOutputDevices());
     setTrusted(services.trust.isProcessTrusted());
     startPermissionTimer();
@@ -55,17 +57,20 @@ void AppState::setDevices(DeviceList value)
 {
     deviceList = std::move(value);
     emit devicesChanged();
+    restoreSyncIfPending();
 }
 
 void AppState::setSelectedDevice1(OptionalDevice value)
 {
     primary = std::move(value);
+    restorePending = false;
     emit selectedDevice1Changed();
 }
 
 void AppState::setSelectedDevice2(OptionalDevice value)
 {
     secondary = std::move(value);
+    restorePending = false;
     emit selectedDevice2Changed();
 }
 

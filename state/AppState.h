@@ -2,9 +2,9 @@
 
 // The program's one observable state: the device list, the two selected devices, whether sync
 // is on, both volumes, the per-device delays and Bluetooth marks, accessibility trust and
-// launch at login, and whether changed settings reach storage. Views bind to its properties
-// and change things only through it. Every
-// assignment to a property announces a change, also when the value is the same.
+// launch at login, whether sync comes back at start, and whether changed settings reach
+// storage. Views bind to its properties and change things only through it. Every assignment to
+// a property announces a change, also when the value is the same.
 
 #include "audio/AudioDeviceOption.h"
 #include "core/DiagnosticLog.h"
@@ -66,10 +66,16 @@ class AppState : public QObject
     Q_PROPERTY(bool isTrusted READ isTrusted NOTIFY isTrustedChanged)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
     Q_PROPERTY(bool settingsSaved READ settingsSaved NOTIFY settingsSavedChanged)
+    Q_PROPERTY(
+        bool restoreSyncAtStart READ restoreSyncAtStart WRITE setRestoreSyncAtStart NOTIFY restoreSyncAtStartChanged)
 
 public:
     static constexpr const char* kBluetoothDelaysKey = "bluetoothDelaysByUID";
     static constexpr const char* kManualBTKey = "manualBluetoothByUID";
+    // Whether sync comes back at start, and the two devices it comes back with: a dictionary
+    // with the UIDs under "primary" and "secondary".
+    static constexpr const char* kRestoreSyncKey = "restoreSyncAtStart";
+    static constexpr const char* kRestoreDevicesKey = "restoreSyncDevices";
     static constexpr int kMaxDelayMs = 600;
     static constexpr std::chrono::milliseconds kPermissionPollInterval{1000};
 
@@ -115,6 +121,14 @@ public:
     // Whether the last write of the settings, by anyone, reached storage; true until one fails.
     bool settingsSaved() const { return lastSettingsWriteSaved; }
 
+    // Restoring sync at start. While it is on, each sync that comes on remembers its two
+    // devices; at start, and whenever the device list changes until the user chooses otherwise,
+    // sync comes back on once both remembered devices are listed. Off, start-up selects nothing.
+    bool restoreSyncAtStart() const { return restoresSync; }
+    void setRestoreSyncAtStart(bool value);
+    // The device pair that sync comes back with, if one is remembered.
+    std::optional<std::pair<std::string, std::string>> rememberedSyncDevices() const;
+
 signals:
     void devicesChanged();
     void selectedDevice1Changed();
@@ -127,6 +141,7 @@ signals:
     void isTrustedChanged();
     void launchAtLoginChanged();
     void settingsSavedChanged();
+    void restoreSyncAtStartChanged();
 
 private:
     void setQuellonOn(bool value);
@@ -136,6 +151,8 @@ private:
     void setOverrides(OverrideMap value);
     void loadPersistedMaps();
     void installMediaKeyCallback();
+    void rememberSyncDevices();
+    void restoreSyncIfPending();
     int delayEntry(const std::string& uid) const;
     bool overrideEntry(const std::string& uid) const;
 
@@ -152,6 +169,8 @@ private:
     bool trusted = false;
     bool startsAtLogin = false;
     bool lastSettingsWriteSaved = true;
+    bool restoresSync = false;
+    bool restorePending = false; // until sync came back or the user chose for themselves
     std::unique_ptr<QTimer> permissionTimer;
 };
 

@@ -15,6 +15,7 @@ bool AppState::canEnableSync() const
 
 void AppState::enableSync()
 {
+    restorePending = false;
     if (!primary || !secondary) {
         return;
     }
@@ -26,12 +27,14 @@ void AppState::enableSync()
         return;
     }
     setQuellonOn(true);
+    rememberSyncDevices();
     applyVolumes();
     services.mediaKeys.start();
 }
 
 void AppState::disableSync()
 {
+    restorePending = false;
     services.audio.destroyOldStackedDevices();
     if (primary) {
         services.audio.returnAudio(primary->uid);

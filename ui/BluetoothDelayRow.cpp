@@ -1,5 +1,6 @@
 #include "BluetoothDelayRow.h"
 
+#include "SpeakerBlock.h"
 #include "Symbols.h"
 #include "TickSlider.h"
 #include "ViewRules.h"
@@ -72,12 +73,13 @@ void BluetoothDelayRow::build()
     auto* second = new QHBoxLayout();
     second->setSpacing(6);
     const int stepSize = symbolSize(TextStyle::Title3, base);
+    // Made in the order they stand, which is the order Tab goes through them.
     decreaseButton = makeSymbolButton(QStringLiteral("minus.circle.fill"), Tint::Accent, stepSize,
                                       QStringLiteral("decreaseButton"), this);
-    increaseButton = makeSymbolButton(QStringLiteral("plus.circle.fill"), Tint::Accent, stepSize,
-                                      QStringLiteral("increaseButton"), this);
     slider = new TickSlider(TickSliderModel{}, this);
     slider->setObjectName(QStringLiteral("tickSlider"));
+    increaseButton = makeSymbolButton(QStringLiteral("plus.circle.fill"), Tint::Accent, stepSize,
+                                      QStringLiteral("increaseButton"), this);
     second->addWidget(decreaseButton);
     second->addWidget(slider, 1);
     second->addWidget(increaseButton);
@@ -115,6 +117,7 @@ void BluetoothDelayRow::redraw()
     resetButton->setAccessibleName(resetButton->toolTip());
     decreaseButton->setAccessibleName(decreaseButton->toolTip());
     increaseButton->setAccessibleName(increaseButton->toolTip());
+    slider->setAccessibleName(delaySliderName(lang, QString::fromStdString(tuned.name)));
 
     // A fresh binding each time, over the device this row tunes now.
     TickSliderModel model;

@@ -1,10 +1,10 @@
 #pragma once
 
 // The main window's content: one column 420 pixels wide with the language picker, the
-// permission banner, the two device pickers, the sync switch, the balance section with both
-// speakers, the notes, the support button, the links and the version. It reads AppState and
-// the language manager and redraws whenever either announces a change; the only state it owns
-// is that of its three alerts.
+// permission banner, the two device pickers with what the sound system is doing, the sync
+// switch, the balance section with both speakers, the notes, the support button, the links and
+// the version. It reads AppState and the language manager and redraws whenever either announces
+// a change; the only state it owns is that of its three alerts.
 
 #include "ViewServices.h"
 #include "state/AppState.h"
@@ -22,7 +22,9 @@ class LanguageManager;
 
 namespace orvanta::ui {
 
+class PermissionBanner;
 class RoundedPanel;
+class SoundSystemNotice;
 class SpeakerBlock;
 class SymbolView;
 class ToggleSwitch;
@@ -63,7 +65,6 @@ protected:
 private:
     void build();
     QWidget* buildHeader();
-    QWidget* buildBanner();
     QWidget* buildOutputs();
     QWidget* buildBalance();
     QWidget* buildNotes();
@@ -74,6 +75,7 @@ private:
     void showSelection(QComboBox* picker, const state::OptionalDevice& selected);
     void choose(QComboBox* picker, int index);
     void trustChanged();
+    void soundSystemChanged();
     void scheduleAlerts();
     void presentAlerts();
     void openAddress(const QString& address);
@@ -97,17 +99,14 @@ private:
     bool lastTrusted = false;
 
     QComboBox* languagePicker = nullptr;
-    RoundedPanel* banner = nullptr;
-    QLabel* bannerTitle = nullptr;
-    QLabel* bannerText = nullptr;
-    QPushButton* settingsButton = nullptr;
+    PermissionBanner* banner = nullptr;
     QLabel* outputsTitle = nullptr;
     QToolButton* refreshButton = nullptr;
     QLabel* primaryTitle = nullptr;
     QLabel* secondaryTitle = nullptr;
     QComboBox* primaryPicker = nullptr;
     QComboBox* secondaryPicker = nullptr;
-    QLabel* soundSystemLabel = nullptr;
+    SoundSystemNotice* soundSystem = nullptr;
     ToggleSwitch* syncSwitch = nullptr;
     QWidget* balance = nullptr;
     QLabel* balanceTitle = nullptr;

@@ -3,7 +3,7 @@
 #include "RedrawOnChanges.h"
 
 #include "MainWindowLookup.h"
-#include "SpeakerBlock.h"
+#include "PanelSpeakerSection.h"
 #include "Symbols.h"
 #include "ToggleSwitch.h"
 #include "ViewRules.h"
@@ -16,142 +16,9 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QSignalBlocker>
-#include <QSlider>
 #include <QToolButton>
 
-#include <cmath>
-
 namespace orvanta::ui {
-
-// One speaker in the panel: name, volume with its percentage, and for a device that counts as
-// Bluetooth a delay row that moves in steps of 5 ms.
-class PanelSpeakerSection : public QWidget
-{
-public:
-    static constexpr int kDelayStep = 5;
-    static constexpr int kMaximumDelay = 600;
-
-    PanelSpeakerSection(state::AppState& state, i18n::LanguageManager& languageManager, Speaker which, QWidget* parent)
-        : QWidget(parent), appState(state), lang(languageManager), speaker(which)
-    {
-        setObjectName(which == Speaker::Primary ? QStringLiteral("primarySection")
-                                                : QStringLiteral("secondarySection"));
-        const QFont base = font();
-        const QFont caption2 = fontFor(TextStyle::Caption2, base);
-        const int symbol = symbolSize(TextStyle::Caption2, base);
-        auto* column = new QVBoxLayout(this);
-        column->setContentsMargins(0, 0, 0, 0);
-        column->setSpacing(2);
-
-        auto* nameRow = new QHBoxLayout();
-        nameRow->setSpacing(4);
-        bluetoothMark = new SymbolView(QStringLiteral("wave.3.right.circle.fill"), Tint::Blue, symbol, this);
-        bluetoothMark->setObjectName(QStringLiteral("bluetoothMark"));
-        nameLabel = new ElidedLabel(this);
-        nameLabel->setObjectName(QStringLiteral("nameLabel"));
-        nameLabel->setFont(caption2);
-        applyTint(nameLabel, Tint::Secondary);
-        nameRow->addWidget(bluetoothMark);
-        nameRow->addWidget(nameLabel, 1);
-        column->addLayout(nameRow);
-
-        auto* volumeRow = new QHBoxLayout();
-        volumeRow->setSpacing(6);
-        auto* speakerSymbol = new SymbolView(QStringLiteral("speaker.fill"), Tint::Secondary, symbol, this);
-        volumeSlider = makeVolumeSlider(appState, speaker, this);
-        percentLabel = new QLabel(this);
-        percentLabel->setObjectName(QStringLiteral("percentLabel"));
-        percentLabel->setFont(caption2);
-        percentLabel->setFixedWidth(32);
-        alignByLayout(percentLabel, Qt::AlignTrailing | Qt::AlignVCenter);
-        applyTint(percentLabel, Tint::Secondary);
-        volumeRow->addWidget(speakerSymbol);
-        volumeRow->addWidget(volumeSlider, 1);
-        volumeRow->addWidget(percentLabel);
-        column->addLayout(volumeRow);
-
-        delayControls = new QWidget(this);
-        delayControls->setObjectName(QStringLiteral("delayControls"));
-        auto* delayRow = new QHBoxLayout(delayControls);
-        delayRow->setContentsMargins(0, 2, 0, 0);
-        delayRow->setSpacing(4);
-        decreaseButton = stepButton(QStringLiteral("minus.circle.fill"), QStringLiteral("decreaseButton"), symbol);
-        increaseButton = stepButton(QStringLiteral("plus.circle.fill"), QStringLiteral("increaseButton"), symbol);
-        delaySlider = new DirectSlider(delayControls);
-        delaySlider->setObjectName(QStringLiteral("delaySlider"));
-        // Positions are steps of 5 ms, so the slider moves from one multiple of 5 to the next.
-        delaySlider->setRange(0, kMaximumDelay / kDelayStep);
-        delaySlider->setSingleStep(1);
-        delaySlider->setPageStep(10);
-        delayLabel = new QLabel(delayControls);
-        delayLabel->setObjectName(QStringLiteral("delayLabel"));
-        QFont digits = caption2;
-        delayLabel->setFont(digits);
-        delayLabel->setFixedWidth(48);
-        alignByLayout(delayLabel, Qt::AlignTrailing | Qt::AlignVCenter);
-        applyTint(delayLabel, Tint::Secondary);
-        delayRow->addWidget(decreaseButton);
-        delayRow->addWidget(delaySlider, 1);
-        delayRow->addWidget(increaseButton);
-        delayRow->addWidget(delayLabel);
-        column->addWidget(delayControls);
-
-        connect(decreaseButton, &QToolButton::clicked, this,
-                [this] { appState.setBluetoothDelay(current() - kDelayStep, device()); });
-        connect(increaseButton, &QToolButton::clicked, this,
-                [this] { appState.setBluetoothDelay(current() + kDelayStep, device()); });
-        connect(delaySlider, &QSlider::valueChanged, this, [this](int position) {
-            appState.setBluetoothDelay(roundedDelay(static_cast<double>(position * kDelayStep)), device());
-        });
-    }
-
-    void redraw(const QString& title)
-    {
-        const state::OptionalDevice& shown = device();
-        const bool treated = isTreatedAsBluetooth(shown, appState.manualBluetoothOverrides());
-        bluetoothMark->setVisible(treated);
-        nameLabel->setFullText(shown ? QString::fromStdString(shown->name) : title);
-        const float volume = speakerVolume(appState, speaker);
-        showVolume(volumeSlider, volume);
-        percentLabel->setText(QString::number(volumePercent(volume)) + u'%');
-
-        const int delay = current();
-        delayLabel->setText(QString::number(delay) + QStringLiteral(" ms"));
-        if (!delaySlider->isSliderDown()) {
-            const QSignalBlocker quiet(delaySlider);
-            delaySlider->setValue(static_cast<int>(std::lround(delay / static_cast<double>(kDelayStep))));
-        }
-        delayControls->setVisible(shown && treated);
-    }
-
-private:
-    QToolButton* stepButton(const QString& symbol, const QString& name, int size)
-    {
-        auto* button = new QToolButton(delayControls);
-        button->setObjectName(name);
-        button->setIcon(symbolIcon(symbol, Tint::Accent));
-        button->setIconSize(QSize(size, size));
-        button->setAutoRaise(true);
-        button->setCursor(Qt::PointingHandCursor);
-        return button;
-    }
-
-    const state::OptionalDevice& device() const { return selectedDevice(appState, speaker); }
-    int current() const { return storedDelay(device(), appState.bluetoothDelays()); }
-
-    state::AppState& appState;
-    i18n::LanguageManager& lang;
-    Speaker speaker;
-    SymbolView* bluetoothMark = nullptr;
-    ElidedLabel* nameLabel = nullptr;
-    DirectSlider* volumeSlider = nullptr;
-    QLabel* percentLabel = nullptr;
-    QWidget* delayControls = nullptr;
-    QToolButton* decreaseButton = nullptr;
-    QToolButton* increaseButton = nullptr;
-    DirectSlider* delaySlider = nullptr;
-    QLabel* delayLabel = nullptr;
-};
 
 namespace {
 
@@ -176,6 +43,8 @@ MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& language
       quit(std::move(quitAction))
 {
     setObjectName(QStringLiteral("panel"));
+    // A screen reader names the panel after the program, like its window.
+    setAccessibleName(QStringLiteral("Orvanta"));
     setFixedWidth(kWidth);
     const QFont base = font();
     auto* column = new QVBoxLayout(this);
@@ -239,8 +108,13 @@ MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& language
     launchAtLogin->setObjectName(QStringLiteral("launchAtLoginCheckbox"));
     launchAtLogin->setFont(fontFor(TextStyle::Caption, base));
     connect(launchAtLogin, &QCheckBox::clicked, this, [this](bool checked) { appState.setLaunchAtLogin(checked); });
+    restoreSync = new QCheckBox(this);
+    restoreSync->setObjectName(QStringLiteral("restoreSyncCheckbox"));
+    restoreSync->setFont(fontFor(TextStyle::Caption, base));
+    connect(restoreSync, &QCheckBox::clicked, this, [this](bool checked) { appState.setRestoreSyncAtStart(checked); });
     column->addWidget(openButton, 0, Qt::AlignLeading);
     column->addWidget(launchAtLogin, 0, Qt::AlignLeading);
+    column->addWidget(restoreSync, 0, Qt::AlignLeading);
     column->addWidget(makeDivider(this));
 
     quitButton = makeCommandButton(QStringLiteral("power"), Tint::Red, QStringLiteral("quitButton"), this);
@@ -282,6 +156,11 @@ void MenuBarView::redraw()
         const QSignalBlocker quiet(launchAtLogin);
         launchAtLogin->setChecked(appState.launchAtLogin());
     }
+    restoreSync->setText(lang.translate(QStringLiteral("Restore sync at start")));
+    {
+        const QSignalBlocker quiet(restoreSync);
+        restoreSync->setChecked(appState.restoreSyncAtStart());
+    }
     quitButton->setText(lang.translate(QStringLiteral("Quit")));
     if (isWindow()) {
         adjustSize();
@@ -293,6 +172,16 @@ QSize MenuBarView::sizeHint() const
     const int height =
         layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(kWidth) : layout()->totalSizeHint().height();
     return {kWidth, height};
+}
+
+void MenuBarView::focusFirstControl()
+{
+    for (QWidget* next = nextInFocusChain(); next != this && isAncestorOf(next); next = next->nextInFocusChain()) {
+        if ((next->focusPolicy() & Qt::TabFocus) != 0 && next->isVisibleTo(this) && next->isEnabled()) {
+            next->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
 }
 
 void MenuBarView::openMainWindow()

@@ -2,7 +2,7 @@
 
 // The tray panel: the product header with a status dot, the sync switch (or "Select two
 // different devices"), while sync is on the volume and delay of each speaker, Open Main
-// Window, Launch at Login and Quit. 280 pixels wide; its height follows its content. It keeps
+// Window, Launch at Login, Restore sync at start and Quit. 280 pixels wide; its height follows its content. It keeps
 // no state of its own: everything is read from AppState and written through it.
 
 #include <QWidget>
@@ -42,6 +42,8 @@ public:
 
     void openMainWindow();
     void redraw();
+    // Gives the keyboard focus to the first control that takes it.
+    void focusFirstControl();
 
     QSize sizeHint() const override;
 
@@ -63,6 +65,7 @@ private:
     PanelSpeakerSection* secondarySection = nullptr;
     QToolButton* openButton = nullptr;
     QCheckBox* launchAtLogin = nullptr;
+    QCheckBox* restoreSync = nullptr;
     QToolButton* quitButton = nullptr;
 };
 

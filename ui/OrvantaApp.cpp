@@ -23,10 +23,8 @@ namespace {
 
 const QString kCheckForUpdates = QStringLiteral("Check for Updates...");
 const QString kKeepsRunningTitle = QStringLiteral("Orvanta keeps running");
-const QString kKeepsRunningText =
-    QStringLiteral("Sync and the volume keys go on working while the window is closed. This desktop shows no tray "
-                   "icon: to open the window again, start Orvanta again. To quit, choose Quit in the window's "
-                   "Orvanta menu.");
+const QString kKeepsRunningText = QStringLiteral("keeps_running_text");
+const QString kRestoreSync = QStringLiteral("Restore sync at start");
 
 } // namespace
 
@@ -119,6 +117,11 @@ void OrvantaApp::addCommands(MainWindow* target)
             const QSignalBlocker quiet(login);
             login->setChecked(appState.launchAtLogin());
         });
+        QAction* restore = menu->addAction(lang.translate(kRestoreSync));
+        restore->setObjectName(QStringLiteral("restoreSyncAction"));
+        restore->setCheckable(true);
+        restore->setChecked(appState.restoreSyncAtStart());
+        connect(restore, &QAction::triggered, this, [this](bool checked) { appState.setRestoreSyncAtStart(checked); });
     }
 
     menu->addSeparator();
@@ -144,6 +147,8 @@ void OrvantaApp::languageChanged()
                 action->setText(lang.translate(kCheckForUpdates));
             } else if (action->objectName() == QLatin1String("launchAtLoginAction")) {
                 action->setText(lang.translate(QStringLiteral("Launch at Login")));
+            } else if (action->objectName() == QLatin1String("restoreSyncAction")) {
+                action->setText(lang.translate(kRestoreSync));
             } else if (action->objectName() == QLatin1String("quitAction")) {
                 action->setText(lang.translate(QStringLiteral("Quit")));
             }

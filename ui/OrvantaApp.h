@@ -9,8 +9,8 @@
 //
 // Where the desktop shows no tray, closing the main window still leaves the program running (the
 // sync, the delays and the volume keys go on) and says so once, with how to get the window back:
-// start Orvanta again. The Orvanta menu then also offers Launch at Login, which otherwise lives
-// in the tray panel.
+// start Orvanta again. The Orvanta menu then also offers Launch at Login and Restore sync at
+// start, which otherwise live in the tray panel.
 
 #include "AppDelegate.h"
 #include "ViewServices.h"

@@ -5,6 +5,7 @@
 #include "ViewRules.h"
 #include "Widgets.h"
 #include "i18n/LanguageManager.h"
+#include "update/StringFormat.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -64,6 +65,17 @@ DirectSlider* makeVolumeSlider(state::AppState& appState, Speaker speaker, QWidg
     return slider;
 }
 
+QString volumeSliderName(const i18n::LanguageManager& lang, const state::OptionalDevice& device, Speaker speaker)
+{
+    const QString name = device ? QString::fromStdString(device->name) : lang.translate(labelKey(speaker));
+    return update::formatWithString(lang.translate(QStringLiteral("Volume of %@")), name);
+}
+
+QString delaySliderName(const i18n::LanguageManager& lang, const QString& deviceName)
+{
+    return update::formatWithString(lang.translate(QStringLiteral("Bluetooth delay of %@")), deviceName);
+}
+
 void showVolume(DirectSlider* slider, float volume)
 {
     // The volume under the user's pointer is the slider's own; it is left alone during a drag.
@@ -120,6 +132,7 @@ void SpeakerBlock::redraw()
     bluetoothMark->setVisible(treated);
     nameLabel->setFullText(device ? QString::fromStdString(device->name) : lang.translate(labelKey(speaker)));
     showVolume(volumeSlider, speakerVolume(appState, speaker));
+    volumeSlider->setAccessibleName(volumeSliderName(lang, device, speaker));
 
     const bool offerCheckbox = device && !device->isBluetooth;
     bluetoothCheckbox->setText(lang.translate(QStringLiteral("Treat as Bluetooth speaker")));

@@ -39,6 +39,11 @@ void setSpeakerVolume(state::AppState& appState, Speaker speaker, float volume);
 DirectSlider* makeVolumeSlider(state::AppState& appState, Speaker speaker, QWidget* parent);
 void showVolume(DirectSlider* slider, float volume);
 
+// What a screen reader calls a speaker's volume and delay sliders: "Volume of" and "Bluetooth
+// delay of" the device's name, or of the speaker's label when no device is selected.
+QString volumeSliderName(const i18n::LanguageManager& lang, const state::OptionalDevice& device, Speaker speaker);
+QString delaySliderName(const i18n::LanguageManager& lang, const QString& deviceName);
+
 class SpeakerBlock : public QWidget
 {
     Q_OBJECT

@@ -75,6 +75,7 @@ TrayIcon::TrayIcon(state::AppState& state, i18n::LanguageManager& languageManage
 
     popup = std::make_unique<QFrame>(nullptr, Qt::Popup | Qt::FramelessWindowHint);
     popup->setObjectName(QStringLiteral("panelWindow"));
+    popup->setAccessibleName(QStringLiteral("Orvanta"));
     popup->setFrameShape(QFrame::StyledPanel);
     popup->setAttribute(Qt::WA_DeleteOnClose, false);
     auto* layout = new QVBoxLayout(popup.get());
@@ -178,6 +179,8 @@ void TrayIcon::showPanelAt(const QRect& anchor)
     popup->show();
     popup->raise();
     popup->activateWindow();
+    // The keyboard starts on the panel's first control, so Tab and the arrows work at once.
+    view->focusFirstControl();
 }
 
 void TrayIcon::redraw()

@@ -17,6 +17,8 @@ namespace orvanta::platform {
 class AccessibilityTrust;
 class Alerts;
 class BundleInfo;
+class SoundSystemStatus;
+class UserDefaults;
 class Workspace;
 } // namespace orvanta::platform
 
@@ -29,8 +31,9 @@ struct ViewServices
     platform::AccessibilityTrust& trust;
     platform::Alerts& alerts;
     platform::Workspace& workspace;
-    platform::BundleInfo* bundle = nullptr; // no version label without it
-    QString soundSystem;                    // the line saying which sound system is in use, if any
+    platform::BundleInfo* bundle = nullptr;             // no version label without it
+    platform::SoundSystemStatus* soundSystem = nullptr; // no sound-system line without it
+    platform::UserDefaults* userDefaults = nullptr;     // where the window keeps its place, if anywhere
 };
 
 } // namespace orvanta::ui

@@ -1,5 +1,7 @@
 #include "Widgets.h"
 
+#include <algorithm>
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QProxyStyle>
@@ -121,6 +123,27 @@ void alignByLayout(QLabel* label, Qt::Alignment alignment)
         return;
     }
     label->installEventFilter(new LayoutAlignment(label, alignment));
+}
+
+QLabel* makeTextLabel(TextStyle style, const QString& objectName, QWidget* parent, bool wrap)
+{
+    auto* label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setFont(fontFor(style, parent->font()));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(wrap);
+    alignByLayout(label, Qt::AlignLeading | Qt::AlignVCenter);
+    return label;
+}
+
+int widestNumberWidth(const QFontMetrics& metrics, int digits, const QString& suffix)
+{
+    int widest = 0;
+    for (char digit = '0'; digit <= '9'; ++digit) {
+        widest = std::max(widest, metrics.horizontalAdvance(QString(digits, QChar::fromLatin1(digit)) + suffix));
+    }
+    // One pixel for the rounding of fractional advances.
+    return widest + 1;
 }
 
 void applyTint(QWidget* widget, Tint tint)

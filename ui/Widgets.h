@@ -75,6 +75,10 @@ private:
 
 QFrame* makeDivider(QWidget* parent = nullptr);
 
+// A plain-text label in the style's font, aligned to the leading edge of the layout, wrapping
+// onto more lines when wrap is set.
+QLabel* makeTextLabel(TextStyle style, const QString& objectName, QWidget* parent, bool wrap = false);
+
 // A horizontal slider whose knob goes straight to a click on the track and is dragged from there,
 // so that a click is one edit with a beginning and an end, as a drag is.
 class DirectSlider : public QSlider
@@ -98,6 +102,10 @@ private:
 // a device name in Latin letters still starts at the right edge of a right-to-left window.
 // alignment is logical (Qt::AlignLeading, Qt::AlignTrailing, ...).
 void alignByLayout(QLabel* label, Qt::Alignment alignment);
+
+// The width that any whole number of up to digits digits followed by suffix takes in metrics
+// ("100%", "600 ms"), so a label sized by it never cuts a value, at any text size.
+int widestNumberWidth(const QFontMetrics& metrics, int digits, const QString& suffix);
 
 // Draws the widget's text in tint, worked out again from its palette whenever that changes
 // (a switch between light and dark), so the colour stays legible on the new background.

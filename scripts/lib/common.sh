@@ -9,7 +9,7 @@ ORVANTA_PACKAGES=(
     libgtest-dev libgmock-dev libbenchmark-dev
     libpulse-dev libpipewire-0.3-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus
     clang libclang-rt-14-dev
-    xvfb xdotool libxcb1-dev dpkg-dev file
+    xvfb xdotool libxcb1-dev dpkg-dev file desktop-file-utils
 )
 
 # Installs the packages that are not installed yet, with sudo unless already root.

@@ -17,7 +17,7 @@ struct ExpectedKey
     bool translated;
 };
 
-inline constexpr std::array<ExpectedKey, 51> kExpectedKeys{{
+inline constexpr std::array<ExpectedKey, 62> kExpectedKeys{{
     {u"Audio Outputs", false, true},
     {u"Refresh", false, true},
     {u"Primary Speaker", false, true},
@@ -69,6 +69,17 @@ inline constexpr std::array<ExpectedKey, 51> kExpectedKeys{{
     {u"keys_taken_text", true, true},
     {u"keys_wayland_text", true, true},
     {u"Changes are not being saved: the settings file cannot be written.", true, true},
+    {u"status_connected", true, true},
+    {u"status_connecting", true, true},
+    {u"status_not_answering", true, true},
+    {u"simulated_text", true, true},
+    {u"keys_unhandled_text", true, true},
+    {u"Orvanta keeps running", true, true},
+    {u"keeps_running_text", true, true},
+    {u"Restore sync at start", true, true},
+    {u"Language", true, true},
+    {u"Volume of %@", true, true},
+    {u"Bluetooth delay of %@", true, true},
 }};
 
 // The keys that are names rather than English texts, and the English text of each.
@@ -77,6 +88,12 @@ inline constexpr QStringView kDelayNoteKey = u"delay_note";
 inline constexpr QStringView kKeysTakenReasonKey = u"keys_taken_reason";
 inline constexpr QStringView kKeysTakenKey = u"keys_taken_text";
 inline constexpr QStringView kKeysWaylandKey = u"keys_wayland_text";
+inline constexpr QStringView kStatusConnectedKey = u"status_connected";
+inline constexpr QStringView kStatusConnectingKey = u"status_connecting";
+inline constexpr QStringView kStatusNotAnsweringKey = u"status_not_answering";
+inline constexpr QStringView kSimulatedKey = u"simulated_text";
+inline constexpr QStringView kKeysUnhandledKey = u"keys_unhandled_text";
+inline constexpr QStringView kKeepsRunningKey = u"keeps_running_text";
 
 inline constexpr QStringView kEnglishInstructions =
     u"1. Click button below.\n2. Find 'Orvanta' in the list.\n3. Turn the switch ON.";
@@ -92,18 +109,39 @@ inline constexpr QStringView kEnglishKeysWayland =
     u"This desktop session (Wayland) does not let programs take the volume keys. Use the sliders, or log in with an "
     u"X11 session to use the keys.";
 
+inline constexpr QStringView kStatusConnectedEnglish = u"Sound system: connected.";
+inline constexpr QStringView kStatusConnectingEnglish = u"Sound system: connecting…";
+inline constexpr QStringView kStatusNotAnsweringEnglish =
+    u"Sound system: not answering. Orvanta connects as soon as it does.";
+inline constexpr QStringView kSimulatedEnglish =
+    u"Simulated sound system: these devices are not real and nothing plays through them. Start PulseAudio or PipeWire, "
+    u"then start Orvanta again.";
+inline constexpr QStringView ksUnhandledEnglish =
+    u"Orvanta cannot take the volume keys in this session and cannot tell whether your desktop handles them. If they "
+    u"do nothing, set them in your desktop's keyboard settings to raise and lower the volume of the default output: "
+    u"while sync is on, they then move both speakers together.";
+inline constexpr QStringView kKeepsRunningEnglish =
+    u"Sync and the volume keys go on working while the window is closed. This desktop shows no tray icon: to open the "
+    u"window again, start Orvanta again. To quit, choose Quit in the window's Orvanta menu.";
+
 struct NamedText
 {
     QStringView key;
     QStringView english;
 };
 
-inline constexpr std::array<NamedText, 5> kNamedTexts{{
+inline constexpr std::array<NamedText, 11> kNamedTexts{{
     {kInstructionKey, kEnglishInstructions},
     {kDelayNoteKey, kEnglishDelayNote},
     {kKeysTakenReasonKey, kEnglishKeysTakenReason},
     {kKeysTakenKey, kEnglishKeysTaken},
     {kKeysWaylandKey, kEnglishKeysWayland},
+    {kStatusConnectedKey, kStatusConnectedEnglish},
+    {kStatusConnectingKey, kStatusConnectingEnglish},
+    {kStatusNotAnsweringKey, kStatusNotAnsweringEnglish},
+    {kSimulatedKey, kSimulatedEnglish},
+    {kKeysUnhandledKey, ksUnhandledEnglish},
+    {kKeepsRunningKey, kKeepsRunningEnglish},
 }};
 
 // What English shows for a key: the named text for a name, else the key itself.

@@ -1,4 +1,4 @@
-#include "UiFixture.h"
+#include "MainWindowContent.h"
 
 #include "ui/ContentView.h"
 #include "ui/SpeakerBlock.h"
@@ -24,50 +24,6 @@ const QString kBluetoothTail =
     QStringLiteral(". Bluetooth audio has inherent latency (100-200ms delay). For best sync, use wired connections or "
                    "check if your Bluetooth speaker supports direct wired connection to avoid audio delay.");
 const QString kVolumeTail = QStringLiteral(". Consider using apps like SoundSource for software volume control.");
-
-class MainWindowContent : public ::testing::Test, public UiFixture
-{
-protected:
-    explicit MainWindowContent(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth())
-        : UiFixture(std::move(devices))
-    {}
-
-    ui::ContentView& view()
-    {
-        if (!content) {
-            content = std::make_unique<ui::ContentView>(lang, *appState, services());
-        }
-        return *content;
-    }
-
-    // Picks entry index of a picker the way the keyboard does.
-    static void pick(QComboBox* picker, int index)
-    {
-        ASSERT_NE(picker, nullptr);
-        picker->setFocus();
-        QTest::keyClick(picker, Qt::Key_Home);
-        for (int i = 0; i < index; ++i) {
-            QTest::keyClick(picker, Qt::Key_Down);
-        }
-        ASSERT_EQ(picker->currentIndex(), index);
-    }
-
-    void pickBoth(int primary, int secondary)
-    {
-        pick(child<QComboBox>(&view(), "primaryPicker"), primary);
-        pick(child<QComboBox>(&view(), "secondaryPicker"), secondary);
-    }
-
-    void turnSyncOn()
-    {
-        click(child<QAbstractButton>(&view(), "syncSwitch"));
-        drainEvents();
-    }
-
-    QWidget* block(const char* name) { return child<QWidget>(&view(), name); }
-
-    std::unique_ptr<ui::ContentView> content;
-};
 
 TEST_F(MainWindowContent, HasAFixedWidthOf420)
 {
@@ -274,10 +230,8 @@ TEST_F(MainWindowContent, PermissionBannerShowsUntilTrustedAndItsButtonAsksForTr
     EXPECT_TRUE(shown(banner));
     click(child<QAbstractButton>(&view(), "openSystemSettingsButton"));
     EXPECT_EQ(trust.prompts, 1);
-    // These tests draw without an X11 display, so the banner gives the no-X11 reason.
     EXPECT_EQ(child<QLabel>(&view(), "bannerText")->text(),
-              "This desktop session (Wayland) does not let programs take the volume keys. Use the sliders, or "
-              "log in with an X11 session to use the keys.");
+              lang.translate("keys_taken_reason") + "\n" + lang.translate("keys_taken_text"));
 
     trust.trusted = true;
     ASSERT_TRUE(runUntil([this] { return appState->isTrusted(); }));
@@ -329,17 +283,6 @@ TEST_F(MainWindowContent, VersionLabelShowsTheBuildsVersionOrNothing)
     withoutVersion.bundle = nullptr;
     ui::ContentView bare(lang, *appState, withoutVersion);
     EXPECT_FALSE(shown(child<QLabel>(&bare, "versionLabel")));
-}
-
-TEST_F(MainWindowContent, TheSoundSystemInUseIsNamedUnderThePickers)
-{
-    auto named = services();
-    named.soundSystem = QStringLiteral("Using the simulated sound system (built-in devices)");
-    ui::ContentView withLine(lang, *appState, named);
-    auto* line = child<QLabel>(&withLine, "soundSystemLabel");
-    EXPECT_TRUE(shown(line));
-    EXPECT_EQ(line->text(), named.soundSystem);
-    EXPECT_FALSE(shown(child<QLabel>(&view(), "soundSystemLabel")));
 }
 
 // Every text the content shows, by widget.

@@ -191,6 +191,23 @@ TEST_F(Panel, LaunchAtLoginRegistersTheLoginItem)
     EXPECT_EQ(loginItems.unregisterCalls, 1);
 }
 
+TEST_F(Panel, RestoreSyncAtStartSitsUnderLaunchAtLoginAndIsStored)
+{
+    auto* login = child<QAbstractButton>(&panel, "launchAtLoginCheckbox");
+    auto* restore = child<QAbstractButton>(&panel, "restoreSyncCheckbox");
+    EXPECT_EQ(restore->text(), "Restore sync at start");
+    EXPECT_GT(restore->y(), login->y());
+    EXPECT_FALSE(restore->isChecked());
+    selectBoth();
+    appState->enableSync();
+    click(restore);
+    EXPECT_TRUE(appState->restoreSyncAtStart());
+    EXPECT_TRUE(memoryDefaults.value(state::AppState::kRestoreSyncKey).toBool());
+    EXPECT_EQ(memoryDefaults.value(state::AppState::kRestoreDevicesKey).toMap().value("primary").toString(), "spk");
+    lang.setCurrentLanguage("Français");
+    EXPECT_EQ(restore->text(), "Rétablir la synchronisation au démarrage");
+}
+
 TEST_F(Panel, QuitEndsTheProgramWithoutTurningSyncOff)
 {
     selectBoth();

@@ -14,6 +14,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QSystemTrayIcon>
 
 #include <memory>
@@ -265,7 +266,7 @@ TEST_F(Shell, ASecondLaunchBringsTheWindowBackOrOpensOne)
     EXPECT_TRUE(app->mainWindow()->isVisible());
 }
 
-TEST_F(Shell, TheWindowIsAsTallAsItsContent)
+TEST_F(Shell, TheWindowFollowsItsContentAndStopsAtTheScreen)
 {
     make().start();
     ui::MainWindow* window = app->mainWindow();
@@ -275,11 +276,52 @@ TEST_F(Shell, TheWindowIsAsTallAsItsContent)
     selectBoth();
     appState->enableSync();
     drainEvents();
-    EXPECT_GT(window->height(), offHeight + 100);
-    EXPECT_GE(window->height(), window->content()->sizeHint().height());
+    // The column grew; the window grew with it as far as the screen allows, and not beyond.
+    const int available = window->screen()->availableGeometry().height();
+    EXPECT_GT(window->content()->height(), offHeight + 100);
+    const int decorations = window->frameGeometry().height() - window->height();
+    EXPECT_EQ(window->height(),
+              std::min(window->content()->height() + window->menuBar()->height(), available - decorations));
+    EXPECT_LE(window->frameGeometry().height(), available);
+    EXPECT_EQ(window->content()->width(), 420);
     appState->disableSync();
     drainEvents();
     EXPECT_EQ(window->height(), offHeight);
+}
+
+TEST_F(Shell, TheWindowComesBackWhereItWas)
+{
+    auto withSettings = services();
+    withSettings.userDefaults = &memoryDefaults;
+    QPointer<ui::MainWindow> first = new ui::MainWindow(lang, *appState, withSettings);
+    first->show();
+    first->move(123, 45);
+    drainEvents();
+    first->close(); // deletes it
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(first.isNull());
+    const QVariantMap stored = memoryDefaults.value(ui::MainWindow::kPositionKey).toMap();
+    EXPECT_EQ(stored.value("x").toInt(), 123);
+    EXPECT_EQ(stored.value("y").toInt(), 45);
+
+    ui::MainWindow second(lang, *appState, withSettings);
+    EXPECT_EQ(second.pos(), QPoint(123, 45));
+
+    // A place on no screen any more is not given back.
+    memoryDefaults.setValue(ui::MainWindow::kPositionKey, QVariantMap{{"x", -5000}, {"y", -5000}});
+    ui::MainWindow third(lang, *appState, withSettings);
+    EXPECT_NE(third.pos(), QPoint(-5000, -5000));
+}
+
+TEST_F(Shell, WithoutATrayTheKeepsRunningNoticeIsInTheInterfaceLanguage)
+{
+    make(false).start();
+    lang.setCurrentLanguage("Español");
+    app->mainWindow()->close();
+    drainEvents();
+    ASSERT_EQ(alerts.shown.size(), 1);
+    EXPECT_EQ(alerts.shown[0].messageText, "Orvanta sigue en ejecución");
+    EXPECT_THAT(alerts.shown[0].informativeText.toStdString(), ::testing::HasSubstr("inicie Orvanta de nuevo"));
 }
 
 TEST(PanelPlacement, CentresUnderAnIconAtTheTopAndAboveOneAtTheBottomInsideTheScreen)

@@ -39,7 +39,7 @@ struct UiFixture : StateFixture
         sim.reset();
     }
 
-    ui::ViewServices services() { return {sim.audio, mediaKeys, trust, alerts, workspace, &bundle, QString()}; }
+    ui::ViewServices services() { return {sim.audio, mediaKeys, trust, alerts, workspace, &bundle}; }
 
     state::OptionalDevice device(const std::string& uid) const
     {

@@ -135,6 +135,18 @@ void PulseConnection::setState(State newState)
     std::lock_guard lock(stateMutex);
     currentState = newState;
     stateChanged.notify_all();
+    if (stateObserver) {
+        stateObserver(newState);
+    }
+}
+
+void PulseConnection::setStateObserver(StateObserver observer)
+{
+    std::lock_guard lock(stateMutex);
+    stateObserver = std::move(observer);
+    if (stateObserver) {
+        stateObserver(currentState);
+    }
 }
 
 PulseConnection::State PulseConnection::state() const

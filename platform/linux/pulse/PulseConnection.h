@@ -45,6 +45,13 @@ public:
     bool waitUntilReady(std::chrono::milliseconds bound);
     State state() const;
 
+    // Told every state the connection enters, at once with the current one. It runs on the
+    // connection's thread or the caller's, with an internal lock held: it must only hand the
+    // state on (queue it for another thread) and never call back into the connection. An empty
+    // function removes the observer.
+    using StateObserver = std::function<void(State)>;
+    void setStateObserver(StateObserver observer);
+
     // Runs read with the mirror, the loop's lock held: keep it short.
     template <typename Read> auto withMirror(Read&& read) const
     {
@@ -124,6 +131,7 @@ private:
     mutable std::mutex stateMutex;
     std::condition_variable stateChanged;
     State currentState = State::Connecting;
+    StateObserver stateObserver;
 };
 
 } // namespace orvanta::pulse

@@ -22,6 +22,8 @@ public:
     explicit X11VolumeKeys(xcb_connection_t* connection);
 
     bool hasDisplay() const { return connection != nullptr && root != XCB_NONE; }
+    // Whether the keyboard map has both volume keys.
+    bool hasVolumeKeys() const { return raise.has_value() && lower.has_value(); }
 
     // Grabs both keys under every combination of the lock modifiers; false, and nothing held,
     // when another client holds any of them.

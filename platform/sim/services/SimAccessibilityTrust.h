@@ -11,8 +11,12 @@ class SimAccessibilityTrust final : public platform::AccessibilityTrust
 public:
     bool isProcessTrusted() override;
     void promptForTrust() override;
+    Obstacle obstacle() const override { return trusted ? Obstacle::None : blockedBy; }
+    bool canPromptForTrust() const override { return canPrompt; }
 
     bool trusted = false;
+    Obstacle blockedBy = Obstacle::KeysHeldByAnotherProgram;
+    bool canPrompt = true;
     int queries = 0;
     int prompts = 0;
 };

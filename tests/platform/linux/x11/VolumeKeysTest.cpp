@@ -60,7 +60,8 @@ class VolumeKeys : public ::testing::Test, protected StateFixture
 protected:
     x11::X11VolumeKeys keys{qtConnection()};
     x11::X11EventTap x11Taps{keys};
-    x11::X11AccessibilityTrust x11Trust{keys};
+    // The simulated devices hear only this program's own grab.
+    x11::X11AccessibilityTrust x11Trust{keys, x11::X11AccessibilityTrust::Sound::Simulated, QString()};
     std::unique_ptr<state::MediaKeyManager> x11MediaKeys;
 
     state::AppState& startWithX11()
@@ -154,13 +155,38 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGo)
     EXPECT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
 }
 
-TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTrustAndNoTap)
+TEST_F(VolumeKeys, WithTheSoundServerAnotherClientHoldingTheKeysCoversThem)
 {
+    // A desktop's volume handler changes the default output, which the stacked device is.
+    x11::X11AccessibilityTrust serverTrust(keys, x11::X11AccessibilityTrust::Sound::Server, QStringLiteral("GNOME"));
+    EXPECT_TRUE(serverTrust.isProcessTrusted());
+    Holder holder;
+    ASSERT_TRUE(holder.held);
+    EXPECT_TRUE(serverTrust.isProcessTrusted());
+    EXPECT_EQ(serverTrust.obstacle(), platform::AccessibilityTrust::Obstacle::None);
+    EXPECT_FALSE(x11Trust.isProcessTrusted());
+    EXPECT_EQ(x11Trust.obstacle(), platform::AccessibilityTrust::Obstacle::KeysHeldByAnotherProgram);
+}
+
+TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeys)
+{
+    using Obstacle = platform::AccessibilityTrust::Obstacle;
+    using Sound = x11::X11AccessibilityTrust::Sound;
     x11::X11VolumeKeys keys(nullptr);
-    x11::X11AccessibilityTrust trust(keys);
     x11::X11EventTap taps(keys);
-    EXPECT_FALSE(trust.isProcessTrusted());
     EXPECT_EQ(taps.create(platform::kSystemDefinedEventMask, [](const platform::TapEvent& e) { return e; }), nullptr);
+
+    x11::X11AccessibilityTrust plasma(keys, Sound::Server, QStringLiteral("KDE"));
+    EXPECT_TRUE(plasma.isProcessTrusted());
+    x11::X11AccessibilityTrust sway(keys, Sound::Server, QStringLiteral("sway"));
+    EXPECT_FALSE(sway.isProcessTrusted());
+    EXPECT_EQ(sway.obstacle(), Obstacle::DesktopKeysUnknown);
+    EXPECT_FALSE(sway.canPromptForTrust());
+    // The desktop's keys never reach the simulated devices.
+    x11::X11AccessibilityTrust simulated(keys, Sound::Simulated, QStringLiteral("GNOME"));
+    EXPECT_FALSE(simulated.isProcessTrusted());
+    EXPECT_EQ(simulated.obstacle(), Obstacle::SessionGivesNoKeys);
+    EXPECT_FALSE(simulated.canPromptForTrust());
 }
 
 TEST(ShortcutSettings, EachDesktopOpensItsOwnKeyboardSettings)
@@ -169,6 +195,16 @@ TEST(ShortcutSettings, EachDesktopOpensItsOwnKeyboardSettings)
     EXPECT_EQ(x11::shortcutSettingsCommand("KDE"), (QStringList{"systemsettings", "kcm_keys"}));
     EXPECT_EQ(x11::shortcutSettingsCommand("XFCE"), QStringList{"xfce4-keyboard-settings"});
     EXPECT_TRUE(x11::shortcutSettingsCommand("").isEmpty());
+}
+
+TEST(ShortcutSettings, KnownDesktopsHandleTheVolumeKeysABareWindowManagerDoesNot)
+{
+    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("ubuntu:GNOME"));
+    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("KDE"));
+    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("XFCE"));
+    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("X-Cinnamon"));
+    EXPECT_FALSE(x11::desktopHandlesVolumeKeys("sway"));
+    EXPECT_FALSE(x11::desktopHandlesVolumeKeys(""));
 }
 
 } // namespace

@@ -1,0 +1,32 @@
+#pragma once
+
+// The sound-system status of a connection to the sound server, followed live. The connection
+// reports from its own thread; the status takes each report over to the main thread and
+// announces it there. A server that does not answer makes the connection try again every
+// second: those tries keep the status at "not answering" rather than flicker to "connecting".
+// The connection must outlive this object.
+
+#include "PulseConnection.h"
+#include "services/SoundSystemStatus.h"
+
+namespace orvanta::linux_platform {
+
+class PulseSoundSystemStatus final : public platform::SoundSystemStatus
+{
+public:
+    explicit PulseSoundSystemStatus(pulse::PulseConnection& connection, QObject* parent = nullptr);
+    ~PulseSoundSystemStatus() override;
+
+    State state() const override { return current; }
+
+    // The status after the connection enters reported, coming from shown.
+    static State follow(State shown, pulse::PulseConnection::State reported);
+
+private:
+    void apply(pulse::PulseConnection::State reported);
+
+    pulse::PulseConnection& connection;
+    State current = State::Connecting;
+};
+
+} // namespace orvanta::linux_platform

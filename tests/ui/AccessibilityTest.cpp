@@ -1,0 +1,145 @@
+// What a screen reader and the keyboard get: every control in the accessibility tree of the main
+// window and of the tray panel has a name (the sliders name their speaker), the panel is in the
+// tree under the program's name, and Tab goes through the controls in the order they are seen.
+
+#include "ScaledViews.h"
+
+#include "ui/ContentView.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuBarView.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QAccessibleInterface>
+
+namespace orvanta::testing {
+namespace {
+
+using ::testing::IsSupersetOf;
+
+struct Control
+{
+    QAccessible::Role role;
+    QString name;
+};
+
+// The controls under iface that are not hidden, in tree order.
+void collectControls(QAccessibleInterface* iface, std::vector<Control>& controls)
+{
+    if (iface == nullptr || iface->state().invisible) {
+        return;
+    }
+    static const QList<QAccessible::Role> kControls{QAccessible::Slider,     QAccessible::ComboBox,
+                                                    QAccessible::PushButton, QAccessible::CheckBox,
+                                                    QAccessible::Button,     QAccessible::SpinBox};
+    if (kControls.contains(iface->role())) {
+        controls.push_back({iface->role(), iface->text(QAccessible::Name)});
+    }
+    for (int i = 0; i < iface->childCount(); ++i) {
+        collectControls(iface->child(i), controls);
+    }
+}
+
+std::vector<QString> sliderNames(const std::vector<Control>& controls)
+{
+    std::vector<QString> names;
+    for (const auto& control : controls) {
+        if (control.role == QAccessible::Slider) {
+            names.push_back(control.name);
+        }
+    }
+    return names;
+}
+
+// The widgets Tab visits in root, starting after root, in order.
+std::vector<QWidget*> tabOrder(QWidget* root)
+{
+    std::vector<QWidget*> order;
+    for (QWidget* next = root->nextInFocusChain(); next != root; next = next->nextInFocusChain()) {
+        if (root->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0 && shown(next) && next->isEnabled()) {
+            order.push_back(next);
+        }
+    }
+    return order;
+}
+
+// Each widget is below the one before it, or beside it on the same line and further along.
+void expectReadingOrder(QWidget* root)
+{
+    const auto order = tabOrder(root);
+    ASSERT_GT(order.size(), 3u);
+    const bool leftToRight = root->layoutDirection() == Qt::LeftToRight;
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        const QRect before(order[i - 1]->mapTo(root, QPoint(0, 0)), order[i - 1]->size());
+        const QRect after(order[i]->mapTo(root, QPoint(0, 0)), order[i]->size());
+        const bool below = after.top() >= before.center().y();
+        const bool sameLine = after.top() < before.bottom() && after.bottom() > before.top();
+        const bool further = leftToRight ? after.left() >= before.right() - 1 : after.right() <= before.left() + 1;
+        EXPECT_TRUE(below || (sameLine && further))
+            << order[i - 1]->objectName().toStdString() << " then " << order[i]->objectName().toStdString();
+    }
+}
+
+class Accessibility : public ScaledViews
+{};
+
+TEST_P(Accessibility, EveryControlOfTheMainWindowHasANameAndTabReadsInOrder)
+{
+    syncTwoBluetoothSpeakers();
+    ui::MainWindow window(lang, *appState, services());
+    window.show();
+    for (const QString& language : {QStringLiteral("English"), QStringLiteral("العربية")}) {
+        lang.setCurrentLanguage(language);
+        drainEvents();
+        std::vector<Control> controls;
+        collectControls(QAccessible::queryAccessibleInterface(&window), controls);
+        ASSERT_GT(controls.size(), 10u);
+        for (const auto& control : controls) {
+            EXPECT_FALSE(control.name.trimmed().isEmpty()) << "a control of role " << control.role << " has no name";
+        }
+        if (language == u"English") {
+            EXPECT_THAT(sliderNames(controls),
+                        IsSupersetOf({QStringLiteral("Volume of BT Speaker"),
+                                      QStringLiteral("Volume of Bahasa Indonesia Soundbar"),
+                                      QStringLiteral("Bluetooth delay of BT Speaker"),
+                                      QStringLiteral("Bluetooth delay of Bahasa Indonesia Soundbar")}));
+        }
+        expectReadingOrder(window.content());
+    }
+}
+
+TEST_P(Accessibility, ThePanelIsInTheTreeWithEveryControlNamedAndInOrder)
+{
+    syncTwoBluetoothSpeakers();
+    ui::MenuBarView panel(*appState, lang, {}, {});
+    panel.show();
+    drainEvents();
+    QAccessibleInterface* root = QAccessible::queryAccessibleInterface(&panel);
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->text(QAccessible::Name), "Orvanta");
+    std::vector<Control> controls;
+    collectControls(root, controls);
+    std::vector<QString> names;
+    for (const auto& control : controls) {
+        EXPECT_FALSE(control.name.trimmed().isEmpty()) << "a control of role " << control.role << " has no name";
+        names.push_back(control.name);
+    }
+    EXPECT_THAT(names,
+                IsSupersetOf({QStringLiteral("Enable Sync"), QStringLiteral("Volume of BT Speaker"),
+                              QStringLiteral("Bluetooth delay of BT Speaker"), QStringLiteral("Decrease by 5 ms"),
+                              QStringLiteral("Increase by 5 ms"), QStringLiteral("Launch at Login"),
+                              QStringLiteral("Restore sync at start"), QStringLiteral("Quit")}));
+    expectReadingOrder(&panel);
+
+    // The keyboard starts on the panel's first control.
+    panel.activateWindow();
+    panel.focusFirstControl();
+    EXPECT_EQ(QApplication::focusWidget(), tabOrder(&panel).front());
+}
+
+INSTANTIATE_TEST_SUITE_P(TextSizes, Accessibility, ::testing::Values(1.0, 1.5));
+
+} // namespace
+} // namespace orvanta::testing
