@@ -1,7 +1,7 @@
 #pragma once
 
 // How loud each member of a stacked device plays, on the meter rig of OffsetMeter.h (members
-// "mA" and "mB" on the front and rear pairs of one 4-channel null sink): a steady tone is played
+// "mA" and "mB" on the front and rear pairs of one null sink): a steady tone is played
 // into the stacked device and hw's monitor recorded, so both members are heard through the same
 // recording.
 
@@ -13,7 +13,7 @@ namespace orvanta::testing {
 
 struct MemberLevels
 {
-    double primary = 0.0;   // RMS of mA's left channel, in sample units
+    double primary = 0.0;   // RMS of mA's left channel, at full scale 1
     double secondary = 0.0; // RMS of mB's left channel
 };
 

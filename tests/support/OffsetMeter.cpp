@@ -17,6 +17,7 @@ constexpr float kClickThreshold = 0.25f;
 constexpr long kClickQuietFrames = kMeterRate / 10; // a click follows at least 100 ms of quiet
 constexpr float kToneAmplitude = 0.5f;
 constexpr qint64 kSettleFrames = kMeterRate / 5;
+constexpr long kPlayerStartFrames = kMeterRate / 5;
 constexpr float kQuietLevel = 0.01f;
 const QString kSixChannels = "--channel-map=front-left,front-right,rear-left,rear-right,front-center,lfe";
 
@@ -186,16 +187,18 @@ std::optional<ToneCheck> checkTone(const Samples& recording, int channel)
     for (long frame = 0; frame < frameCount(recording); ++frame) {
         const float sample = sampleAt(recording, frame, channel);
         check.finiteWithinScale = check.finiteWithinScale && std::isfinite(sample) && std::abs(sample) <= 1.0f;
-        if (frame < span->first || frame > span->second) {
+        // A player's own start-up may stumble for a cycle, on every member alike: judged from
+        // kPlayerStartFrames after the first sound.
+        if (frame < span->first + kPlayerStartFrames || frame > span->second) {
             continue;
         }
         run = std::abs(sample) > kQuietLevel ? 0 : run + 1;
         check.longestGapMs = std::max(check.longestGapMs, static_cast<double>(run) * 1000.0 / kMeterRate);
-        if (frame > span->first) {
+        if (frame > span->first + kPlayerStartFrames) {
             const double step = std::abs(static_cast<double>(sample - sampleAt(recording, frame - 1, channel)));
             check.largestStep = std::max(check.largestStep, step);
-            // 50 to 250 ms after the tone starts: past its fade-in, before any change.
-            if (frame > span->first + kMeterRate / 20 && frame < span->first + kMeterRate / 4) {
+            // The first 200 ms judged: past the player's start, before any change.
+            if (frame < span->first + kPlayerStartFrames + kMeterRate / 5) {
                 check.toneStep = std::max(check.toneStep, step);
             }
         }

@@ -64,6 +64,7 @@ bool StackedNode::start()
 
 bool StackedNode::connectInput()
 {
+    published.reset();
     pw_properties* props =
         pw_properties_new(PW_KEY_MEDIA_CLASS, "Audio/Sink", PW_KEY_NODE_NAME, nodeName.c_str(), PW_KEY_NODE_DESCRIPTION,
                           nodeDescription.c_str(), PW_KEY_NODE_GROUP, group.c_str(), PW_KEY_NODE_LINK_GROUP,
@@ -128,7 +129,8 @@ void StackedNode::setHoldBack(const std::string& uid, std::uint32_t frames)
     PipeWireLoop::Lock lock(session);
     if (auto* stream = member(uid)) {
         stream->tap().setHoldBack(frames);
-        publishLatency();
+        // Told to players at the next watch: a dragged slider would otherwise make every
+        // player's stream recompute its latency hundreds of times a second.
     }
 }
 
@@ -183,10 +185,11 @@ void StackedNode::publishLatency()
             latencies.push_back({stream->downstreamLatency(), stream->tap().targetHoldBack()});
         }
     }
-    const auto info = reportedLatency(latencies);
-    if (!info || !input) {
+    auto info = reportedLatency(latencies);
+    if (!info || !input || (published && spa_latency_info_compare(&*published, &*info) == 0)) {
         return;
     }
+    published = info;
     std::array<std::uint8_t, 1024> buffer{};
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(buffer.data(), buffer.size());
     const spa_pod* params[] = {latencyParam(builder, *info)};
@@ -273,7 +276,8 @@ void StackedNode::onGlobalRemove(void* self, std::uint32_t id)
 
 void StackedNode::onWatch(void* self, std::uint64_t)
 {
-    static_cast<StackedNode*>(self)->looksAfterMembers();
+    auto* node = static_cast<StackedNode*>(self);
+    node->looksAfterMembers();
 }
 
 } // namespace orvanta::pipewire

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -73,7 +74,8 @@ private:
     std::map<std::uint32_t, std::string> sinkNodes; // PipeWire node id -> node name
     spa_source* watchTimer = nullptr;
     bool wasConnected = true;
-    std::uint64_t lastTicks = 0; // the graph's clock at the last cycle, on the data thread
+    std::optional<spa_latency_info> published; // what players were last told
+    std::uint64_t lastTicks = 0;               // the graph's clock at the last cycle, on the data thread
 };
 
 } // namespace orvanta::pipewire

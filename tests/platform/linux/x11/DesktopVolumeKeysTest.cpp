@@ -82,7 +82,7 @@ protected:
         ASSERT_TRUE(connection->waitUntilReady(std::chrono::seconds(5)));
         hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
         audio = std::make_unique<audio::AudioWrapper>(*hardware, printed.log());
-        ASSERT_TRUE(runUntil([this] { return audio->getOutputDevices().size() == 3; }));
+        ASSERT_TRUE(runUntil([this] { return audio->getOutputDevices().size() == 4; })); // hw, mA, mB, ref
         mediaKeys = std::make_unique<state::MediaKeyManager>(taps, printed.log());
         appState = std::make_unique<state::AppState>(
             state::AppStateServices{*audio, defaults, loginItems, trust, *mediaKeys, printed.log()});
