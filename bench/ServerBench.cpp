@@ -1,13 +1,20 @@
-// Measurements against private PulseAudio and PipeWire servers: how exactly the members of a
-// stacked device are offset, the longest silence a live delay change causes, how long turning
-// sync on takes next to loading the same modules by hand, and catalogue reads over 64 sinks.
-// Prints one Markdown table per measurement.
+// Measurements against private PulseAudio and PipeWire servers, with the backend chosen as the
+// program chooses it (loopbacks on PulseAudio, the hosted node on PipeWire): how exactly the
+// members of a stacked device are offset, the longest silence a live delay change causes, how
+// long turning sync on takes next to loading modules by hand, catalogue reads over 64 sinks,
+// and on PipeWire a minute of playback at a 256-frame cycle: missed cycles and the data
+// thread's CPU time. Prints one Markdown table per measurement.
 
 #include "support/OffsetMeter.h"
 #include "support/SoundServer.h"
 
-#include "PulseAudioHardware.h"
+#include "AudioBackend.h"
+#include "PipeWireAudioHardware.h"
 #include "audio/AudioWrapper.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -16,7 +23,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -47,17 +56,18 @@ struct Session
         if (!server.start() || !testing::loadMeterRig(server)) {
             return false;
         }
-        auto connection = std::make_unique<pulse::PulseConnection>();
-        if (!connection->waitUntilReady(std::chrono::seconds(5))) {
+        ::setenv("ORVANTA_AUDIO", "auto", 1);
+        backend = app::chooseAudioBackend();
+        if (!backend.connection) {
             return false;
         }
-        hardware = std::make_unique<pulse::PulseAudioHardware>(std::move(connection));
-        audio = std::make_unique<audio::AudioWrapper>(*hardware, [](std::string_view) {});
+        std::printf("\n## %s: %s\n", SoundServer::name(server.kind()), backend.description.c_str());
+        audio = std::make_unique<audio::AudioWrapper>(*backend.hardware, [](std::string_view) {});
         return true;
     }
 
     SoundServer server;
-    std::unique_ptr<pulse::PulseAudioHardware> hardware;
+    app::AudioBackend backend;
     std::unique_ptr<audio::AudioWrapper> audio;
 };
 
@@ -69,8 +79,10 @@ void offsets(Session& session)
     for (const int delay : {0, 5, 150, 600}) {
         std::vector<double> errors;
         for (int run = 0; run < kOffsetRuns; ++run) {
-            // Alternate which member declares the delay, so both directions are covered.
+            // Alternate which member declares the delay, so both directions are covered; each
+            // run builds the device anew and measures at once.
             const bool secondary = run % 2 == 0;
+            session.audio->destroyOldStackedDevices();
             session.audio->createStackedDevice("mA", "mB", secondary ? 0 : delay, secondary ? delay : 0);
             if (const auto offset = testing::measureOffsetMs(session.server)) {
                 errors.push_back(std::abs(*offset - (secondary ? delay : -delay)));
@@ -86,6 +98,7 @@ void liveChangeSilence(Session& session)
     for (int run = 0; run < 4; ++run) {
         const int from = run % 2 == 0 ? 0 : 600;
         const int to = 600 - from;
+        session.audio->destroyOldStackedDevices();
         session.audio->createStackedDevice("mA", "mB", 0, from);
         if (const auto silence = testing::longestSilenceMs(
                 session.server, [&session, to] { session.audio->setRuntimeLatency("mB", to); })) {
@@ -119,6 +132,7 @@ void syncOnTime(Session& session)
         session.server.loadModule("module-loopback", {"source=manual.monitor", "sink=mA", "latency_msec=180"});
         session.server.loadModule("module-loopback", {"source=manual.monitor", "sink=mB", "latency_msec=30"});
         session.server.pactl({"set-default-sink", "manual"});
+        // (the same null sink and loopbacks on either server: what a user would load by hand)
         byHand.push_back(elapsedMs(clock));
         session.server.pactl({"unload-module", "module-loopback"});
         session.server.pactl({"unload-module", "module-null-sink"});
@@ -155,6 +169,59 @@ void catalogueReads(Session& session)
                 SoundServer::name(session.server.kind()), seen / kReads, perRead, perLookup);
 }
 
+// CPU time, in ms, that this process's threads named like PipeWire's data loop have used.
+double dataThreadCpuMs()
+{
+    double ticks = 0;
+    for (const auto& task : QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile stat("/proc/self/task/" + task + "/stat");
+        if (!stat.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        const QString line = QString::fromUtf8(stat.readAll());
+        const auto name = line.section('(', 1).section(')', 0, 0);
+        if (name.startsWith("data-loop")) {
+            const auto fields = line.section(')', 1).split(' ', Qt::SkipEmptyParts);
+            ticks += fields.value(11).toDouble() + fields.value(12).toDouble(); // utime, stime
+        }
+    }
+    return ticks * 1000.0 / static_cast<double>(::sysconf(_SC_CLK_TCK));
+}
+
+// A minute of a tone through the node at a 256-frame cycle: cycles the input missed, renders a
+// member let pass, gaps heard, and the data thread's CPU time per second of sound.
+void steadyPlayback(Session& session)
+{
+    auto* hosted = dynamic_cast<pipewire::PipeWireAudioHardware*>(session.backend.hardware.get());
+    if (!hosted) {
+        return;
+    }
+    QProcess quantum;
+    quantum.start("pw-metadata", {"-n", "settings", "0", "clock.force-quantum", "256"});
+    quantum.waitForFinished(5000);
+    session.audio->destroyOldStackedDevices();
+    session.audio->createStackedDevice("mA", "mB", 0, 150);
+    constexpr double kSeconds = 60.0;
+    const double cpuBefore = dataThreadCpuMs();
+    testing::Recorder recorder(session.server);
+    testing::Player player(session.server, testing::toneTrack(kSeconds));
+    player.waitUntilDone();
+    const auto recording = recorder.stop(500);
+    const double cpuMs = dataThreadCpuMs() - cpuBefore;
+    const auto counts = hosted->stackedNode()->counts();
+    const auto a = testing::checkTone(recording, testing::kMemberA);
+    const auto b = testing::checkTone(recording, testing::kMemberB);
+    std::printf("\n### %.0f s of playback at a 256-frame cycle, %s\n\n| cycles | short input cycles | "
+                "member renders let pass | longest gap heard (ms) | data thread CPU (ms per s of sound) |\n"
+                "|---|---|---|---|---|\n| %llu | %llu | %llu | %.2f | %.2f |\n",
+                kSeconds, SoundServer::name(session.server.kind()), static_cast<unsigned long long>(counts.cycles),
+                static_cast<unsigned long long>(counts.shortCycles),
+                static_cast<unsigned long long>(counts.skippedRenders),
+                a && b ? std::max(a->longestGapMs, b->longestGapMs) : -1.0, cpuMs / kSeconds);
+    quantum.start("pw-metadata", {"-n", "settings", "0", "clock.force-quantum", "0"});
+    quantum.waitForFinished(5000);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -168,6 +235,7 @@ int main(int argc, char** argv)
         }
         offsets(session);
         liveChangeSilence(session);
+        steadyPlayback(session);
         syncOnTime(session);
         catalogueReads(session);
     }

@@ -81,6 +81,7 @@ void MemberStream::onProcess(void* self)
     // member a cycle late for good. It loses this cycle instead and stays in step.
     pw_time time{};
     if (pw_stream_get_time_n(member->stream, &time, sizeof time) == 0 && time.queued_buffers > 0) {
+        member->skipped.fetch_add(1, std::memory_order_relaxed);
         return;
     }
     pw_buffer* buffer = pw_stream_dequeue_buffer(member->stream);

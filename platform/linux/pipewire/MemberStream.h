@@ -48,6 +48,8 @@ public:
 
     // The stream the data thread may trigger this cycle, or null.
     pw_stream* live() const { return liveStream.load(std::memory_order_acquire); }
+    // Cycles this member let pass because its sink had not taken the last buffer yet.
+    std::uint64_t skippedRenders() const { return skipped.load(std::memory_order_relaxed); }
     // The member sink's own latency, once the link has told it.
     const std::optional<spa_latency_info>& downstreamLatency() const { return downstream; }
 
@@ -63,6 +65,7 @@ private:
     pw_stream* stream = nullptr;
     spa_hook listener{};
     std::atomic<pw_stream*> liveStream{nullptr};
+    std::atomic<std::uint64_t> skipped{0};
     std::optional<spa_latency_info> downstream;
     bool streamFailed = false;
 };

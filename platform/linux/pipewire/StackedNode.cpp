@@ -148,6 +148,16 @@ bool StackedNode::memberLinked(const std::string& uid) const
     return stream && stream->live() != nullptr;
 }
 
+StackedNode::Counts StackedNode::counts() const
+{
+    Counts counted{cycles.load(std::memory_order_relaxed), shortCycles.load(std::memory_order_relaxed), 0};
+    PipeWireLoop::Lock lock(session);
+    for (const auto& stream : members) {
+        counted.skippedRenders += stream->skippedRenders();
+    }
+    return counted;
+}
+
 // On the loop thread: members that lost their stream let go of it, and members whose sink is
 // there get a new one. A daemon that went away is reconnected and the node put back.
 void StackedNode::looksAfterMembers()
@@ -236,7 +246,9 @@ void StackedNode::onInputProcess(void* self)
     if (frames < length) {
         node->cycle.line.writeSilence(length - frames);
         frames = length;
+        node->shortCycles.fetch_add(1, std::memory_order_relaxed);
     }
+    node->cycles.fetch_add(1, std::memory_order_relaxed);
     node->cycle.frames = frames;
     for (const auto& stream : node->members) {
         if (auto* live = stream->live()) {

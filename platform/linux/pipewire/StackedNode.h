@@ -14,6 +14,7 @@
 
 #include <pipewire/pipewire.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -44,6 +45,15 @@ public:
     std::uint32_t holdBack(const std::string& uid) const;
     // Whether a member's stream is connected to its sink right now.
     bool memberLinked(const std::string& uid) const;
+
+    // What the data thread has seen since the node started.
+    struct Counts
+    {
+        std::uint64_t cycles = 0;
+        std::uint64_t shortCycles = 0;    // the input brought less than the cycle: filled with silence
+        std::uint64_t skippedRenders = 0; // a member's sink had not taken its last buffer
+    };
+    Counts counts() const;
 
 private:
     bool connectInput();
@@ -76,6 +86,8 @@ private:
     bool wasConnected = true;
     std::optional<spa_latency_info> published; // what players were last told
     std::uint64_t lastTicks = 0;               // the graph's clock at the last cycle, on the data thread
+    std::atomic<std::uint64_t> cycles{0};
+    std::atomic<std::uint64_t> shortCycles{0};
 };
 
 } // namespace orvanta::pipewire
