@@ -97,6 +97,20 @@ void SoundServer::kill()
     processes.clear();
 }
 
+void SoundServer::freeze()
+{
+    for (const auto& process : processes) {
+        ::kill(static_cast<pid_t>(process->processId()), SIGSTOP);
+    }
+}
+
+void SoundServer::thaw()
+{
+    for (const auto& process : processes) {
+        ::kill(static_cast<pid_t>(process->processId()), SIGCONT);
+    }
+}
+
 bool SoundServer::waitUntilAnswering(int milliseconds) const
 {
     QElapsedTimer clock;

@@ -32,6 +32,9 @@ public:
     bool start();
     // Ends the server's processes at once, as a crash would.
     void kill();
+    // Stops the server's processes where they are (SIGSTOP), as a hung server, and lets them go on.
+    void freeze();
+    void thaw();
 
     // Runs pactl against this server; gives its standard output, or a null string on failure.
     QString pactl(const QStringList& arguments) const;

@@ -23,6 +23,12 @@ bool matches(const PropertyKey& key, const AudioObjectPropertyAddress& address)
            address.mElement == kAudioObjectPropertyElementMain;
 }
 
+// A member may declare as much as the delay line can hold the others back for.
+bool withinHoldBackRange(double ms)
+{
+    return std::isfinite(ms) && ms >= 0 && ms * kRate / 1000.0 <= DelayLine::kMaxHoldBackFrames;
+}
+
 std::uint32_t framesAtLineRate(double ms)
 {
     return static_cast<std::uint32_t>(std::lround(std::max(0.0, ms) * kRate / 1000.0));
@@ -155,10 +161,11 @@ OSStatus PipeWireAudioHardware::setPropertyData(AudioObjectID objectID, const Au
 
 OSStatus PipeWireAudioHardware::setDeclared(const std::string& uid, double frames)
 {
-    if (!std::isfinite(frames) || frames < 0) {
+    const double ms = frames * 1000.0 / rateOf(uid);
+    if (!withinHoldBackRange(ms)) {
         return kAudioHardwareIllegalOperationError;
     }
-    declaredMs[uid] = frames * 1000.0 / rateOf(uid);
+    declaredMs[uid] = ms;
     applyHoldBacks();
     return noErr;
 }
@@ -183,6 +190,11 @@ OSStatus PipeWireAudioHardware::createAggregateDevice(const PropertyList& descri
     }
     if (connection().state() != pulse::PulseConnection::State::Ready || !session->connected()) {
         return kAudioHardwareNotRunningError;
+    }
+    for (const auto& member : composition->members) {
+        if (!withinHoldBackRange(member.frames * 1000.0 / rateOf(member.uid))) {
+            return kAudioHardwareIllegalOperationError;
+        }
     }
     destroyNode();
     std::vector<std::string> uids;

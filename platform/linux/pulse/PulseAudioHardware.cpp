@@ -6,6 +6,7 @@
 #include "hal/PropertyTable.h"
 #include "hal/PropertyValue.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -19,6 +20,9 @@ constexpr double kFallbackRate = 48000.0;
 // A replaced loopback keeps playing until its successor has filled its own latency, so the
 // change leaves no gap; this margin covers the successor's start-up.
 constexpr int kHandOverMarginMs = 100;
+// The longest extra latency a member may declare: no speaker is that late, and a loopback asked
+// for much more may be refused by the server or hold seconds of sound.
+constexpr double kLongestDeclaredMs = 5000.0;
 
 enum class Kind
 {
@@ -182,6 +186,14 @@ std::string nullSinkArguments(const std::string& sinkName, const std::string& la
 {
     return formatModuleArguments(
         {{"sink_name", sinkName}, {"sink_properties", "device.description=\"" + label + "\""}});
+}
+
+bool withinLoopbackRange(const AggregateDescription& composition, const PulseMirror& mirror)
+{
+    return std::all_of(composition.members.begin(), composition.members.end(), [&](const AggregateMember& member) {
+        const double ms = member.frames * 1000.0 / rateOf(mirror, member.uid);
+        return std::isfinite(ms) && ms >= 0 && ms <= kLongestDeclaredMs;
+    });
 }
 
 } // namespace
@@ -357,7 +369,12 @@ OSStatus PulseAudioHardware::setSinkVolume(AudioObjectID sinkID, AudioObjectProp
         }
         pa_cvolume result = it->second.volume;
         if (element == kAudioObjectPropertyElementMain) {
-            pa_cvolume_set(&result, result.channels, volumeOf(level));
+            // The main volume is the loudest channel's; the others keep their balance to it.
+            if (pa_cvolume_max(&result) == PA_VOLUME_MUTED) {
+                pa_cvolume_set(&result, result.channels, volumeOf(level));
+            } else {
+                pa_cvolume_scale(&result, volumeOf(level));
+            }
         } else {
             result.values[element - 1] = volumeOf(level);
         }
@@ -374,7 +391,8 @@ OSStatus PulseAudioHardware::setSinkVolume(AudioObjectID sinkID, AudioObjectProp
 OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& description, AudioObjectID& outDeviceID)
 {
     const auto composition = readAggregateDescription(description);
-    if (!composition) {
+    if (!composition ||
+        !server->withMirror([&](const PulseMirror& mirror) { return withinLoopbackRange(*composition, mirror); })) {
         return kAudioHardwareIllegalOperationError;
     }
     const std::string& sinkName = composition->uid;
@@ -402,8 +420,12 @@ OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& descripti
     for (const auto& member : members) {
         const bool present =
             server->withMirror([&](const PulseMirror& mirror) { return sinkNamed(mirror, member.uid) != nullptr; });
-        if (const auto it = plan.find(member.uid); present && it != plan.end()) {
-            server->loadModule(kLoopbackModule, loopbackArguments(sinkName, member.uid, it->second));
+        const auto it = plan.find(member.uid);
+        if (present && it != plan.end() &&
+            !server->loadModule(kLoopbackModule, loopbackArguments(sinkName, member.uid, it->second))) {
+            const OSStatus failure = writeFailure();
+            unloadStacked(sinkName);
+            return failure;
         }
     }
     declaredByStacked[sinkName] = declared;
@@ -449,6 +471,21 @@ OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
     return noErr;
 }
 
+// Takes away what a failed creation left: the stacked sink's loopbacks and the sink itself.
+void PulseAudioHardware::unloadStacked(const std::string& sinkName)
+{
+    const auto [loopbacks, owner] = server->withMirror([&](const PulseMirror& mirror) {
+        const auto* sink = sinkNamed(mirror, sinkName);
+        return std::make_pair(loopbacksFrom(mirror, sinkName), sink ? sink->ownerModule : PA_INVALID_INDEX);
+    });
+    for (const auto& loopback : loopbacks) {
+        server->unloadModule(loopback.module);
+    }
+    if (owner != PA_INVALID_INDEX) {
+        server->unloadModule(owner);
+    }
+}
+
 DeclaredLatencies PulseAudioHardware::declaredLatencies(const std::string& stackedName)
 {
     if (const auto it = declaredByStacked.find(stackedName); it != declaredByStacked.end()) {
@@ -474,7 +511,11 @@ OSStatus PulseAudioHardware::setExtraLatency(AudioObjectID loopbackObject, doubl
     const std::string stacked = stackedNameOf(*loopback);
     auto declared = declaredLatencies(stacked);
     const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, loopback->sink); });
-    declared[loopback->sink] = frames * 1000.0 / rate;
+    const double ms = frames * 1000.0 / rate;
+    if (!std::isfinite(ms) || ms < 0 || ms > kLongestDeclaredMs) {
+        return kAudioHardwareIllegalOperationError;
+    }
+    declared[loopback->sink] = ms;
     return retime(stacked, declared);
 }
 

@@ -68,6 +68,7 @@ private:
     hal::OSStatus setExtraLatency(hal::AudioObjectID loopbackObject, double frames);
     hal::OSStatus retime(const std::string& stackedName, const DeclaredLatencies& declared);
     DeclaredLatencies declaredLatencies(const std::string& stackedName);
+    void unloadStacked(const std::string& sinkName);
     void updateRestorePlan(const std::string& stackedName);
 
     std::unique_ptr<PulseConnection> server;

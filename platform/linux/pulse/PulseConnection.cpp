@@ -243,6 +243,7 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
                                      void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
+    connection->unanswered = false;
     const auto facility = type & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
     const auto kind = type & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
     const bool removed = kind == PA_SUBSCRIPTION_EVENT_REMOVE;
@@ -359,7 +360,9 @@ bool PulseConnection::run(const Start& start, Pending& pending, CallbackData* us
         delete userdata;
         return false;
     }
-    const auto deadline = std::chrono::steady_clock::now() + kWriteBound;
+    // Once a write has gone unanswered, the next ones wait only briefly until the server is heard
+    // from again: one user action that chains several writes stays within about one bound.
+    const auto deadline = std::chrono::steady_clock::now() + (answering() ? kWriteBound : kUnansweredBound);
     {
         std::unique_lock lock(pending.mutex);
         // Short slices, so a server that goes away ends the wait at once instead of at the bound.
@@ -375,6 +378,7 @@ bool PulseConnection::run(const Start& start, Pending& pending, CallbackData* us
         delete userdata;
     }
     const bool success = pending.done && pending.success;
+    unanswered = !pending.done;
     lock.unlock();
     pa_operation_unref(op);
     pa_threaded_mainloop_unlock(loop);
@@ -539,6 +543,9 @@ bool PulseConnection::waitUntilSinkPresent(const std::string& sinkName)
     while (std::chrono::steady_clock::now() < deadline && state() == State::Ready) {
         if (refreshSink(sinkName)) {
             return true;
+        }
+        if (!answering()) {
+            return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }

@@ -10,6 +10,7 @@
 
 #include <pulse/pulseaudio.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -34,6 +35,8 @@ public:
     };
 
     static constexpr std::chrono::milliseconds kWriteBound{2000};
+    // How long a write waits while the server has left an earlier one unanswered.
+    static constexpr std::chrono::milliseconds kUnansweredBound{100};
     static constexpr std::chrono::milliseconds kReconnectDelay{1000};
 
     explicit PulseConnection(std::string clientName = "Orvanta");
@@ -44,6 +47,8 @@ public:
     // Waits until the mirror holds the server's objects, or the bound passes.
     bool waitUntilReady(std::chrono::milliseconds bound);
     State state() const;
+    // False from a write the server left unanswered until the server is heard from again.
+    bool answering() const { return !unanswered; }
 
     // Told every state the connection enters, at once with the current one. It runs on the
     // connection's thread or the caller's, with an internal lock held: it must only hand the
@@ -131,6 +136,7 @@ private:
     mutable std::mutex stateMutex;
     std::condition_variable stateChanged;
     State currentState = State::Connecting;
+    std::atomic<bool> unanswered{false};
     StateObserver stateObserver;
 };
 

@@ -6,6 +6,7 @@
 
 #include "AudioBackend.h"
 #include "PulseAudioHardware.h"
+#include "PulseObjects.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
 
@@ -188,6 +189,50 @@ TEST_P(LoopbackBackend, RuntimeLatencyRetimesTheLoopbacksWithoutStoppingThem)
     ASSERT_TRUE(eventually([this] { return modules("module-loopback").size() == 2; }));
     EXPECT_EQ(modules("module-loopback"), (QStringList{loopback("bt", 480), loopback("spk", 30)}));
     EXPECT_THAT(printed.lines, ElementsAre("⏱️ Real-time latency set on spk: 600ms (28800.0 frames)"));
+}
+
+TEST_P(PulseBackend, AVolumeKeepsTheSpeakersBalance)
+{
+    ASSERT_FALSE(server->pactl({"set-sink-volume", "spk", "40%", "80%"}).isNull());
+    // Until the backend's mirror has heard of the new volume.
+    ASSERT_TRUE(eventually([this] {
+        return backend.connection->withMirror([](const pulse::PulseMirror& mirror) {
+            const auto* sink = pulse::sinkNamed(mirror, "spk");
+            return sink && pa_cvolume_max(&sink->volume) > PA_VOLUME_NORM * 3 / 4;
+        });
+    }));
+    audio->setVolume("spk", 0.5f);
+    const QString volume = server->pactl({"get-sink-volume", "spk"});
+    EXPECT_TRUE(volume.contains(" 25% ") && volume.contains(" 50% ")) << volume.toStdString();
+}
+
+TEST_P(PulseBackend, ADelayBeyondAnySpeakerIsRefusedAndLeavesNothingBehind)
+{
+    const QString before = defaultSink();
+    EXPECT_NE(audio->createStackedDevice("spk", "bt", 0, 2000000000), hal::noErr);
+    for (const auto& line : printed.lines) {
+        EXPECT_THAT(line, ::testing::Not(::testing::StartsWith("✅")));
+    }
+    EXPECT_EQ(sinksNamed("com.quellon.stacked"), 0);
+    EXPECT_TRUE(modules("module-loopback").isEmpty());
+    EXPECT_EQ(defaultSink(), before);
+}
+
+TEST_P(PulseBackend, AHungServerHoldsNoActionLongerThanItsBound)
+{
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::noErr);
+    server->freeze();
+    QElapsedTimer clock;
+    clock.start();
+    audio->setVolume("spk", 0.3f);
+    const qint64 volume = clock.restart();
+    audio->destroyOldStackedDevices();
+    audio->returnAudio("spk");
+    const qint64 syncOff = clock.elapsed();
+    server->thaw();
+    // One bound (2 s) for the first unanswered write, brief waits for the rest of the action.
+    EXPECT_LT(volume, 2500);
+    EXPECT_LT(syncOff, 2500);
 }
 
 TEST_P(PulseBackend, AVanishedServerGivesStatusesAtOnceAndIsRejoinedWhenItReturns)
