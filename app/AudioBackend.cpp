@@ -64,10 +64,12 @@ AudioBackend serverBackend(std::unique_ptr<pulse::PulseConnection> connection, b
     AudioBackend backend;
     if (answered && isPipeWire(*connection)) {
         if (auto session = pipewire::PipeWireLoop::connect()) {
-            auto hardware = std::make_unique<pipewire::PipeWireAudioHardware>(std::move(connection), std::move(session));
+            auto hardware =
+                std::make_unique<pipewire::PipeWireAudioHardware>(std::move(connection), std::move(session));
             backend.connection = &hardware->connection();
             backend.hardware = std::move(hardware);
             backend.description = "Using PipeWire";
+            backend.serverName = "PipeWire";
             return backend;
         }
     }
@@ -79,6 +81,7 @@ AudioBackend serverBackend(std::unique_ptr<pulse::PulseConnection> connection, b
         backend.description = "The sound server does not answer yet; Orvanta will connect when it does";
     } else {
         backend.description = pipeWireServer ? "Using PipeWire's pulse server" : "Using PulseAudio";
+        backend.serverName = pipeWireServer ? "PipeWire" : "PulseAudio";
     }
     return backend;
 }

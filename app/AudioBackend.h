@@ -20,8 +20,9 @@ struct AudioBackend
 {
     std::unique_ptr<hal::AudioHardware> hardware;
     pulse::PulseConnection* connection = nullptr; // the sound server's, owned by hardware; null when simulated
-    std::string description; // one line for the user: which sound system is in use
-    std::string error;       // set when no backend could be made; hardware is then null
+    std::string serverName;                       // "PipeWire" or "PulseAudio" once a server answered
+    std::string description;                      // one line for the user: which sound system is in use
+    std::string error;                            // set when no backend could be made; hardware is then null
 };
 
 AudioBackend chooseAudioBackend();

@@ -70,7 +70,8 @@ int main(int argc, char** argv)
     // The sound server's connection, followed live; the simulated system says it is one.
     std::unique_ptr<platform::SoundSystemStatus> soundStatus;
     if (backend.connection) {
-        soundStatus = std::make_unique<linux_platform::PulseSoundSystemStatus>(*backend.connection);
+        soundStatus = std::make_unique<linux_platform::PulseSoundSystemStatus>(
+            *backend.connection, QString::fromStdString(backend.serverName));
     } else {
         const bool simulated = dynamic_cast<sim::SimulatedAudioHardware*>(backend.hardware.get()) != nullptr;
         soundStatus = std::make_unique<sim::SimulatedSoundSystemStatus>(

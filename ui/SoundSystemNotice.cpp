@@ -75,7 +75,11 @@ QWidget* SoundSystemNotice::line() const
 void SoundSystemNotice::redraw()
 {
     const bool simulated = status != nullptr && status->state() == State::Simulated;
-    const QString text = status != nullptr ? lang.translate(statusKey(status->state())) : QString();
+    QString text = status != nullptr ? lang.translate(statusKey(status->state())) : QString();
+    // The server's product name is the same in every language.
+    if (status != nullptr && status->state() == State::Connected && !status->serverName().isEmpty()) {
+        text += QStringLiteral(" (%1)").arg(status->serverName());
+    }
     statusLine->setText(simulated ? QString() : text);
     statusLine->setVisible(status != nullptr && !simulated);
     simulatedText->setText(simulated ? text : QString());

@@ -5,8 +5,8 @@
 
 namespace orvanta::linux_platform {
 
-PulseSoundSystemStatus::PulseSoundSystemStatus(pulse::PulseConnection& server, QObject* parent)
-    : SoundSystemStatus(parent), connection(server)
+PulseSoundSystemStatus::PulseSoundSystemStatus(pulse::PulseConnection& server, QString serverName, QObject* parent)
+    : SoundSystemStatus(parent), connection(server), name(std::move(serverName))
 {
     current = follow(State::Connecting, connection.state());
     connection.setStateObserver([this](pulse::PulseConnection::State reported) {

@@ -14,10 +14,11 @@ namespace orvanta::linux_platform {
 class PulseSoundSystemStatus final : public platform::SoundSystemStatus
 {
 public:
-    explicit PulseSoundSystemStatus(pulse::PulseConnection& connection, QObject* parent = nullptr);
+    PulseSoundSystemStatus(pulse::PulseConnection& connection, QString serverName, QObject* parent = nullptr);
     ~PulseSoundSystemStatus() override;
 
     State state() const override { return current; }
+    QString serverName() const override { return name; }
 
     // The status after the connection enters reported, coming from shown.
     static State follow(State shown, pulse::PulseConnection::State reported);
@@ -27,6 +28,7 @@ private:
 
     pulse::PulseConnection& connection;
     State current = State::Connecting;
+    QString name;
 };
 
 } // namespace orvanta::linux_platform

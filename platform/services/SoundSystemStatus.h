@@ -25,6 +25,8 @@ public:
     ~SoundSystemStatus() override = default;
 
     virtual State state() const = 0;
+    // The sound server's product name ("PipeWire", "PulseAudio"), or empty when not known.
+    virtual QString serverName() const { return {}; }
 
 signals:
     void stateChanged();

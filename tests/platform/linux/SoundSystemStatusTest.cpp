@@ -30,7 +30,7 @@ TEST(SoundSystemStatus, FollowsAServerThatStartsLateAndGoesAway)
 {
     SoundServer server(SoundServer::Kind::PulseAudio); // points this process at it, not started yet
     pulse::PulseConnection connection;
-    PulseSoundSystemStatus status(connection);
+    PulseSoundSystemStatus status(connection, QStringLiteral("PulseAudio"));
     QSignalSpy changes(&status, &platform::SoundSystemStatus::stateChanged);
     ASSERT_TRUE(runUntil([&] { return status.state() == Status::NotAnswering; }));
 

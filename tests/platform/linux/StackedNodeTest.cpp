@@ -4,6 +4,7 @@
 // that comes back.
 
 #include "support/LatencyProbe.h"
+#include "support/LevelMeter.h"
 #include "support/OffsetMeter.h"
 
 #include "AudioBackend.h"
@@ -137,6 +138,22 @@ TEST_F(StackedNode, AMemberThatComesBackIsInStepAgainWithinASecond)
     const auto offset = measureOffsetMs(*server);
     ASSERT_TRUE(offset.has_value());
     EXPECT_NEAR(*offset, 150.0, kExactMs);
+}
+
+TEST_F(StackedNode, ItsOwnVolumeScalesBothMembersAndLeavesTheirsAlone)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
+    const auto before = measureMemberLevels(*server);
+    // What the desktop's volume keys do while the stacked device is the default output.
+    ASSERT_FALSE(server->pactl({"set-sink-volume", "@DEFAULT_SINK@", "50%"}).isNull());
+    const auto after = measureMemberLevels(*server);
+    ASSERT_TRUE(before && after);
+    const double primary = after->primary / before->primary;
+    const double secondary = after->secondary / before->secondary;
+    // 50 % on the mixer's scale is 0.125 of the amplitude.
+    EXPECT_NEAR(primary, 0.125, 0.02);
+    EXPECT_NEAR(secondary, primary, 0.01);
+    EXPECT_TRUE(server->pactl({"get-sink-volume", "mA"}).contains(" 100% "));
 }
 
 // Both directions of a delay: the primary (mA) or the secondary (mB) declares it.
