@@ -457,6 +457,7 @@ OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
         return *status;
     }
     const auto& [name, ownerModule, loopbacks] = std::get<Target>(target);
+    server->finishHandOvers();
     for (const auto& loopback : loopbacks) {
         server->unloadModule(loopback.module);
     }

@@ -61,6 +61,8 @@ PulseConnection::PulseConnection(std::string name) : clientName(std::move(name))
 
 PulseConnection::~PulseConnection()
 {
+    // A loopback that was handing over goes now: left behind, its member would play twice.
+    finishHandOvers();
     pa_threaded_mainloop_lock(loop);
     auto* api = pa_threaded_mainloop_get_api(loop);
     if (reconnectTimer) {
@@ -568,6 +570,24 @@ void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::millis
         delayedUnloads.push_back(std::move(unload));
     }
     pa_threaded_mainloop_unlock(loop);
+}
+
+void PulseConnection::finishHandOvers()
+{
+    std::vector<std::uint32_t> pending;
+    pa_threaded_mainloop_lock(loop);
+    auto* api = pa_threaded_mainloop_get_api(loop);
+    for (const auto& unload : delayedUnloads) {
+        api->time_free(unload->timer);
+        if (unload->generation == contextGeneration) {
+            pending.push_back(unload->index);
+        }
+    }
+    delayedUnloads.clear();
+    pa_threaded_mainloop_unlock(loop);
+    for (const auto index : pending) {
+        unloadModule(index);
+    }
 }
 
 bool PulseConnection::rescheduleUnload(std::uint32_t index, std::chrono::milliseconds delay)

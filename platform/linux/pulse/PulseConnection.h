@@ -81,6 +81,8 @@ public:
     bool waitUntilSinkPresent(const std::string& sinkName);
     // Unloads a module after a delay, on the connection's thread, without waiting for it.
     void unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay);
+    // Unloads at once, waiting as a write does, every module whose unloadModuleLater is pending.
+    void finishHandOvers();
     // Moves a pending unloadModuleLater of that module to delay from now; false when there is
     // none (it has run already).
     bool rescheduleUnload(std::uint32_t index, std::chrono::milliseconds delay);

@@ -277,6 +277,17 @@ TEST_P(LoopbackBackend, AnUnpluggedMemberTakesOnlyItsOwnLoopbackAlong)
     EXPECT_TRUE(modules("module-loopback").isEmpty());
 }
 
+TEST_P(LoopbackBackend, QuittingDuringAHandOverLeavesOneLoopbackPerMember)
+{
+    ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 0), hal::noErr);
+    audio->setRuntimeLatency("bt", 300);
+    ASSERT_EQ(modules("module-loopback").size(), 3); // the old spk loopback still plays
+    audio.reset();
+    backend.hardware.reset();
+    // The stacked device stays in the server, as it was last set.
+    EXPECT_EQ(modules("module-loopback"), (QStringList{loopback("bt", 30), loopback("spk", 330)}));
+}
+
 TEST_P(LoopbackBackend, AMemberThatComesBackGetsItsLoopbackAgain)
 {
     ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::noErr);
