@@ -116,6 +116,8 @@ int main(int argc, char** argv)
     update::UpdateChecker::setSharedTranslator(
         [&lang = shell.languageManager()](const QString& key) { return lang.translate(key); });
     QObject::connect(&instance, &ui::SingleInstance::activationRequested, &shell, &ui::OrvantaApp::showMainWindow);
+    // The shared key manager outlives main(); its tap must not outlive the display it grabs on.
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { state::MediaKeyManager::shared().stop(); });
     shell.start();
     return QApplication::exec();
 }

@@ -31,6 +31,8 @@ public:
     // Creates, installs and enables the tap. A tap that already exists is enabled again and
     // kept: a second tap would only see what the first one passed on.
     void start();
+    // Releases the tap. The program calls it before the platform objects the tap uses go away.
+    void stop() { eventTap.reset(); }
 
     // Gives the event to pass on, or nothing when it is dropped.
     std::optional<platform::TapEvent> handleEvent(const platform::TapEvent& event);
