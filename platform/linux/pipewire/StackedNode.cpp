@@ -158,6 +158,17 @@ StackedNode::Counts StackedNode::counts() const
     return counted;
 }
 
+long StackedNode::dataThreadId() const
+{
+    long id = 0;
+    const auto record = [](spa_loop*, bool, std::uint32_t, const void*, std::size_t, void* result) {
+        *static_cast<long*>(result) = static_cast<long>(::gettid());
+        return 0;
+    };
+    pw_data_loop_invoke(pw_context_get_data_loop(session.context()), record, 0, nullptr, 0, true, &id);
+    return id;
+}
+
 // On the loop thread: members that lost their stream let go of it, and members whose sink is
 // there get a new one. A daemon that went away is reconnected and the node put back.
 void StackedNode::looksAfterMembers()

@@ -54,6 +54,8 @@ public:
         std::uint64_t skippedRenders = 0; // a member's sink had not taken its last buffer
     };
     Counts counts() const;
+    // The system's id of the thread that runs the processing callback (for measuring it).
+    long dataThreadId() const;
 
 private:
     bool connectInput();
