@@ -146,6 +146,23 @@ bool StackedNode::memberLinked(const std::string& uid) const
     return stream && stream->live() != nullptr;
 }
 
+void StackedNode::playProbe(const ProbeScript* script)
+{
+    cycle.probe.arm(script);
+}
+
+bool StackedNode::probeFinished(const ProbeScript* script) const
+{
+    return cycle.probe.finished(script);
+}
+
+void StackedNode::stopProbe()
+{
+    PipeWireLoop::Lock lock(session);
+    cycle.probe.arm(nullptr);
+    waitForDataThread(pw_context_get_data_loop(session.context()));
+}
+
 // On the loop thread: members that lost their stream let go of it, and members whose sink is
 // there get a new one. A daemon that went away is reconnected and the node put back.
 void StackedNode::looksAfterMembers()
@@ -212,6 +229,7 @@ void StackedNode::onInputProcess(void* self)
         node->cycle.line.writeSilence(frames);
     }
     node->cycle.frames = frames;
+    node->cycle.probe.beginCycle(node->cycle.start());
     pw_stream_queue_buffer(node->input, buffer);
     for (const auto& stream : node->members) {
         if (auto* live = stream->live()) {
