@@ -1,5 +1,6 @@
 #include "ContentView.h"
 
+#include "MeasureButton.h"
 #include "RedrawOnChanges.h"
 
 #include "SettingsSaveNotice.h"
@@ -372,6 +373,7 @@ QWidget* ContentView::buildBalance()
     column->addWidget(primaryBlock);
     column->addWidget(secondaryBlock);
     column->addWidget(delayNote);
+    column->addWidget(new MeasureButton(lang, appState, services.measurement, balance), 0, Qt::AlignLeading);
     return balance;
 }
 

@@ -2,8 +2,8 @@
 
 // What the views use besides AppState and the language manager: the audio layer for the main
 // window's three direct questions, the volume-key tap, the permission prompt, dialogs, the
-// browser and the build's version. main() hands in the process's own; tests hand in simulated
-// ones.
+// browser, the build's version and the microphone measurement. main() hands in the process's
+// own; tests hand in simulated ones.
 
 #include <QString>
 
@@ -17,6 +17,7 @@ namespace orvanta::platform {
 class AccessibilityTrust;
 class Alerts;
 class BundleInfo;
+class DelayMeasurement;
 class Workspace;
 } // namespace orvanta::platform
 
@@ -31,6 +32,8 @@ struct ViewServices
     platform::Workspace& workspace;
     platform::BundleInfo* bundle = nullptr; // no version label without it
     QString soundSystem;                    // the line saying which sound system is in use, if any
+    // Measuring the delay with a microphone, where the sound system allows it.
+    platform::DelayMeasurement* measurement = nullptr;
 };
 
 } // namespace orvanta::ui
