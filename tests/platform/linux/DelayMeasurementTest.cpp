@@ -73,6 +73,23 @@ protected:
         runUntil([&] { return clock.elapsed() > kSettleMs; }, std::chrono::milliseconds(kSettleMs + 1000));
     }
 
+    // On a loaded machine a run may lose a cycle of sound, as a room may have a sudden noise: the
+    // measurement turns such a run down and the user measures again. So does the test, at most
+    // twice more; a run turned down for any other reason is kept.
+    std::optional<MeasurementOutcome> measureAgainIfDisturbed()
+    {
+        auto outcome = measure();
+        for (int retry = 0; retry < 2 && outcome && disturbed(*outcome); ++retry) {
+            outcome = measure();
+        }
+        return outcome;
+    }
+
+    static bool disturbed(const MeasurementOutcome& outcome)
+    {
+        return outcome.status == MeasurementStatus::TooNoisy || outcome.status == MeasurementStatus::RepeatsDisagree;
+    }
+
     bool bothLinked() const
     {
         const auto* node = std::as_const(*hardware).stackedNode();
@@ -116,7 +133,7 @@ TEST_P(MeasuredLateness, IsTheTrueDifferenceWithinTwoMilliseconds)
     // may add on one speaker's way.
     EXPECT_NEAR(secondaryLater, truth.secondaryMs - truth.primaryMs, kCycleMs + 1.0);
 
-    const auto outcome = measure();
+    const auto outcome = measureAgainIfDisturbed();
     ASSERT_TRUE(outcome);
     ASSERT_EQ(outcome->status, MeasurementStatus::Measured) << "spread " << outcome->spreadMs;
     EXPECT_NEAR(outcome->latenessMs[1] - outcome->latenessMs[0], secondaryLater, kAccuracyMs);
@@ -208,7 +225,7 @@ TEST_F(MicrophoneRoom, ApplyStoresTheDifferenceAndTheStackedDeviceHoldsTheEarlie
     ASSERT_TRUE(appState.isQuellonOn());
     settle();
 
-    const auto outcome = measure();
+    const auto outcome = measureAgainIfDisturbed();
     ASSERT_TRUE(outcome);
     ASSERT_EQ(outcome->status, MeasurementStatus::Measured);
     const auto delays = state::measuredDelays(measurement->speakerUIDs(), *outcome);
