@@ -22,9 +22,6 @@ void ProbeCue::beginCycle(std::uint64_t cycleStart)
         active = wanted;
         origin = cycleStart;
     }
-    if (active && cycleStart - origin >= active->frames()) {
-        done.store(active, std::memory_order_release);
-    }
 }
 
 bool ProbeCue::render(const std::string& uid, std::uint64_t cycleStart, float* out, std::uint32_t frames) const

@@ -2,9 +2,10 @@
 
 // Test sounds that the members of the stacked device play in place of what players send, each
 // from a set frame of the stacked device's own clock. A measurement hands over one script (a
-// mono track per member UID) and the data thread plays it from the first cycle that sees it,
-// after each member's hold-back: the microphone hears the speakers' own lateness and nothing
-// the stacked device adds. While a script plays, the members play nothing else.
+// mono track per member UID) and the data thread plays it from the first cycle that sees it.
+// The script replaces what each member's tap renders, so the members' hold-backs do not apply:
+// the microphone hears the speakers' own lateness and nothing the stacked device adds. While a
+// script plays, the members play nothing else.
 //
 // arm() is for the thread that owns the stacked device; everything else runs on the data
 // thread. A script crosses over through one atomic and is never changed once handed over.
@@ -27,10 +28,8 @@ class ProbeCue
 {
 public:
     // The script to play from the next cycle on, or null to stop. The caller keeps it alive
-    // until finished(script), or until the data thread has passed a cycle after a stop.
+    // until the data thread has passed a cycle after a stop.
     void arm(const ProbeScript* script) { pending.store(script, std::memory_order_release); }
-    // Whether the data thread has played all of a script.
-    bool finished(const ProbeScript* script) const { return done.load(std::memory_order_acquire) == script; }
 
     // Data thread, once per cycle before any member renders: cycleStart is the line position of
     // the cycle's first frame.
@@ -41,7 +40,6 @@ public:
 
 private:
     std::atomic<const ProbeScript*> pending{nullptr};
-    std::atomic<const ProbeScript*> done{nullptr};
     const ProbeScript* active = nullptr; // data thread only
     std::uint64_t origin = 0;            // data thread only: the line position of the script's first frame
 };

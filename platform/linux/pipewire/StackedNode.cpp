@@ -151,11 +151,6 @@ void StackedNode::playProbe(const ProbeScript* script)
     cycle.probe.arm(script);
 }
 
-bool StackedNode::probeFinished(const ProbeScript* script) const
-{
-    return cycle.probe.finished(script);
-}
-
 void StackedNode::stopProbe()
 {
     PipeWireLoop::Lock lock(session);

@@ -45,9 +45,8 @@ public:
     bool memberLinked(const std::string& uid) const;
 
     // A measurement's test sounds (see ProbeCue.h), played from the next cycle on. The caller
-    // keeps the script until probeFinished() says so, or until stopProbe() has returned.
+    // keeps the script until stopProbe() has returned.
     void playProbe(const ProbeScript* script);
-    bool probeFinished(const ProbeScript* script) const;
     void stopProbe();
 
 private:
