@@ -3,6 +3,7 @@
 
 #include "AudioBackend.h"
 #include "BuildBundleInfo.h"
+#include "DelayMeasurementChoice.h"
 #include "DesktopWorkspace.h"
 #include "JsonFileUserDefaults.h"
 #include "MessageBoxAlerts.h"
@@ -102,6 +103,8 @@ int main(int argc, char** argv)
     services.workspace = &workspace;
     services.bundle = &bundle;
 
+    // Between the sound system and the shell: it goes after the windows that use it, before what it uses.
+    const auto measurement = app::delayMeasurementFor(*backend.hardware);
     ui::ViewServices views{audio::AudioWrapper::shared(),
                            state::MediaKeyManager::shared(),
                            trust,
@@ -109,7 +112,8 @@ int main(int argc, char** argv)
                            workspace,
                            &bundle,
                            soundStatus.get(),
-                           &userDefaults};
+                           &userDefaults,
+                           measurement.get()};
     ui::OrvantaApp shell([]() -> i18n::LanguageManager& { return i18n::LanguageManager::shared(); },
                          []() -> state::AppState& { return state::AppState::shared(); },
                          ui::ShellServices{views, update::UpdateChecker::shared(), {}, {}});

@@ -1,5 +1,6 @@
 #include "ContentView.h"
 
+#include "MeasureButton.h"
 #include "RedrawOnChanges.h"
 
 #include "FooterButtons.h"
@@ -197,6 +198,7 @@ QWidget* ContentView::buildBalance()
     column->addWidget(primaryBlock);
     column->addWidget(secondaryBlock);
     column->addWidget(delayNote);
+    column->addWidget(new MeasureButton(lang, appState, services.measurement, balance), 0, Qt::AlignLeading);
     return balance;
 }
 

@@ -2,8 +2,8 @@
 
 // What the views use besides AppState and the language manager: the audio layer for the main
 // window's three direct questions, the volume-key tap, the permission prompt, dialogs, the
-// browser and the build's version. main() hands in the process's own; tests hand in simulated
-// ones.
+// browser, the build's version and the microphone measurement. main() hands in the process's
+// own; tests hand in simulated ones.
 
 #include <QString>
 
@@ -19,6 +19,7 @@ class Alerts;
 class BundleInfo;
 class SoundSystemStatus;
 class UserDefaults;
+class DelayMeasurement;
 class Workspace;
 } // namespace orvanta::platform
 
@@ -34,6 +35,8 @@ struct ViewServices
     platform::BundleInfo* bundle = nullptr;             // no version label without it
     platform::SoundSystemStatus* soundSystem = nullptr; // no sound-system line without it
     platform::UserDefaults* userDefaults = nullptr;     // where the window keeps its place, if anywhere
+    // Measuring the delay with a microphone, where the sound system allows it.
+    platform::DelayMeasurement* measurement = nullptr;
 };
 
 } // namespace orvanta::ui

@@ -17,7 +17,7 @@ struct ExpectedKey
     bool translated;
 };
 
-inline constexpr std::array<ExpectedKey, 62> kExpectedKeys{{
+inline constexpr std::array<ExpectedKey, 78> kExpectedKeys{{
     {u"Audio Outputs", false, true},
     {u"Refresh", false, true},
     {u"Primary Speaker", false, true},
@@ -80,6 +80,24 @@ inline constexpr std::array<ExpectedKey, 62> kExpectedKeys{{
     {u"Language", true, true},
     {u"Volume of %@", true, true},
     {u"Bluetooth delay of %@", true, true},
+    {u"Measure with microphone…", true, true},
+    {u"Measure the delay", true, true},
+    {u"Microphone", true, true},
+    {u"Place the microphone where you listen and keep the room quiet.", true, true},
+    {u"Start", true, true},
+    {u"Apply", true, true},
+    {u"Cancel", true, true},
+    {u"%@ ms", true, true},
+    {u"Spread of the repeats: %@ ms", true, true},
+    {u"No microphone found.", true, true},
+    {u"Too quiet: the microphone hardly heard the test sounds. Turn the speakers up or "
+     u"bring the microphone closer.",
+     true, true},
+    {u"Too noisy: the test sounds were lost in the noise. Keep the room quiet and try again.", true, true},
+    {u"No sound from %@. Check that this speaker is on and turned up.", true, true},
+    {u"The repeats disagree by %@ ms, more than 5 ms. Keep the room quiet and try again.", true, true},
+    {u"The measurement could not run: the microphone or a speaker is not available.", true, true},
+    {u"The difference is %@ ms, more than the longest delay of 600 ms: Apply sets 600 ms.", true, true},
 }};
 
 // The keys that are names rather than English texts, and the English text of each.

@@ -24,6 +24,11 @@ int barrier(spa_loop*, bool, std::uint32_t, const void*, std::size_t, void*)
 
 } // namespace
 
+void waitForDataThread(pw_data_loop* dataLoop)
+{
+    pw_data_loop_invoke(dataLoop, barrier, 0, nullptr, 0, true, nullptr);
+}
+
 MemberStream::MemberStream(const Cycle& source, std::string uid, std::function<void()> onChange)
     : cycle(source), memberUID(std::move(uid)), changed(std::move(onChange))
 {}
@@ -66,7 +71,7 @@ void MemberStream::detach(pw_data_loop* dataLoop)
     liveStream.store(nullptr, std::memory_order_release);
     // Once a call has run on the data thread, no cycle there still holds the old pointer.
     if (dataLoop) {
-        pw_data_loop_invoke(dataLoop, barrier, 0, nullptr, 0, true, nullptr);
+        waitForDataThread(dataLoop);
     }
     spa_hook_remove(&listener);
     pw_stream_destroy(stream);
@@ -92,7 +97,9 @@ void MemberStream::onProcess(void* self)
     const std::uint32_t stride = kChannels * sizeof(float);
     const std::uint32_t frames = std::min(member->cycle.frames, data.maxsize / stride);
     if (data.data) {
-        member->delayTap.render(member->cycle.line, static_cast<float*>(data.data), frames);
+        auto* out = static_cast<float*>(data.data);
+        member->delayTap.render(member->cycle.line, out, frames);
+        member->cycle.probe.render(member->memberUID, member->cycle.start(), out, frames);
     }
     data.chunk->offset = 0;
     data.chunk->stride = static_cast<std::int32_t>(stride);

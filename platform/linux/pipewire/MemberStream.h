@@ -6,6 +6,7 @@
 // data thread only triggers it (through live()) and renders into it.
 
 #include "DelayLine.h"
+#include "ProbeCue.h"
 
 #include <pipewire/pipewire.h>
 #include <spa/param/latency-utils.h>
@@ -17,12 +18,20 @@
 
 namespace orvanta::pipewire {
 
-// What every member reads in a cycle: the line and how many frames the cycle brought.
+// What every member reads in a cycle: the line, how many frames the cycle brought, and the
+// test sounds of a measurement, if one runs.
 struct Cycle
 {
     DelayLine line;
     std::uint32_t frames = 0;
+    ProbeCue probe;
+
+    // The line position of the cycle's first frame.
+    std::uint64_t start() const { return line.written() - frames; }
 };
+
+// Returns once the data thread has finished whatever cycle it was in; the loop's lock held.
+void waitForDataThread(pw_data_loop* dataLoop);
 
 class MemberStream
 {

@@ -44,6 +44,7 @@ public:
     pulse::PulseConnection& connection() { return server.connection(); }
     // The hosted stacked device, while there is one.
     const StackedNode* stackedNode() const { return node.get(); }
+    StackedNode* stackedNode() { return node.get(); }
 
 private:
     using ReadResult = std::variant<hal::PropertyValue, hal::OSStatus>;

@@ -169,6 +169,18 @@ long StackedNode::dataThreadId() const
     return id;
 }
 
+void StackedNode::playProbe(const ProbeScript* script)
+{
+    cycle.probe.arm(script);
+}
+
+void StackedNode::stopProbe()
+{
+    PipeWireLoop::Lock lock(session);
+    cycle.probe.arm(nullptr);
+    waitForDataThread(pw_context_get_data_loop(session.context()));
+}
+
 // On the loop thread: members that lost their stream let go of it, and members whose sink is
 // there get a new one. A daemon that went away is reconnected and the node put back.
 void StackedNode::looksAfterMembers()
@@ -261,6 +273,7 @@ void StackedNode::onInputProcess(void* self)
     }
     node->cycles.fetch_add(1, std::memory_order_relaxed);
     node->cycle.frames = frames;
+    node->cycle.probe.beginCycle(node->cycle.start());
     for (const auto& stream : node->members) {
         if (auto* live = stream->live()) {
             pw_stream_trigger_process(live);

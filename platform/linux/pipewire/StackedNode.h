@@ -56,6 +56,10 @@ public:
     Counts counts() const;
     // The system's id of the thread that runs the processing callback (for measuring it).
     long dataThreadId() const;
+    // A measurement's test sounds (see ProbeCue.h), played from the next cycle on. The caller
+    // keeps the script until stopProbe() has returned.
+    void playProbe(const ProbeScript* script);
+    void stopProbe();
 
 private:
     bool connectInput();

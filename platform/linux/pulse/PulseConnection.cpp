@@ -345,6 +345,9 @@ void PulseConnection::onServerInfo(pa_context*, const pa_server_info* info, void
     if (info && info->default_sink_name) {
         connection->mirror.defaultSinkName = info->default_sink_name;
     }
+    if (info && info->default_source_name) {
+        connection->mirror.defaultSourceName = info->default_source_name;
+    }
     if (info && info->server_name) {
         connection->mirror.serverName = info->server_name;
     }

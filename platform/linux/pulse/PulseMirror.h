@@ -62,6 +62,7 @@ public:
     std::map<std::uint32_t, SourceRecord> sources;
     std::map<std::uint32_t, ModuleRecord> modules;
     std::string defaultSinkName;
+    std::string defaultSourceName;
     std::string serverName; // "pulseaudio", or "PulseAudio (on PipeWire 0.3.65)"
     // Modules being replaced: they still play for a moment but no longer count.
     std::set<std::uint32_t> retiringModules;

@@ -1,0 +1,110 @@
+// From a recording of a whole measurement to the speakers' relative lateness, on rooms worked
+// out in memory: the microphone's own latency drops out, either speaker may be the later one,
+// and a recording that cannot be trusted is turned down with the reason.
+
+#include "MeasurementAnalysis.h"
+#include "SyntheticRoom.h"
+
+#include <gtest/gtest.h>
+
+namespace orvanta::measure {
+namespace {
+
+using testing::recordInRoom;
+using testing::Room;
+
+constexpr double kAccuracyMs = 0.1;
+
+Room roomWith(double primaryMs, double secondaryMs)
+{
+    Room room;
+    room.speakers[0].latenessMs = primaryMs;
+    room.speakers[1].latenessMs = secondaryMs;
+    return room;
+}
+
+TEST(MeasurementAnalysis, TheLaterSecondarySpeakerIsMeasuredAndTheMicrophoneLatencyDropsOut)
+{
+    for (const double microphoneMs : {5.0, 120.0}) {
+        Room room = roomWith(20.0, 190.0);
+        room.microphoneLatencyMs = microphoneMs;
+        const auto outcome = analyseRecording(recordInRoom(room));
+        ASSERT_EQ(outcome.status, MeasurementStatus::Measured) << microphoneMs;
+        EXPECT_NEAR(outcome.latenessMs[0], 0.0, kAccuracyMs);
+        EXPECT_NEAR(outcome.latenessMs[1], 170.0, kAccuracyMs);
+        EXPECT_LT(outcome.spreadMs, kAccuracyMs);
+        EXPECT_EQ(outcome.differencesMs.size(), kRepeats);
+    }
+}
+
+TEST(MeasurementAnalysis, ThePrimarySpeakerMayBeTheLaterOne)
+{
+    const auto outcome = analyseRecording(recordInRoom(roomWith(245.0, 12.0)));
+    ASSERT_EQ(outcome.status, MeasurementStatus::Measured);
+    EXPECT_NEAR(outcome.latenessMs[0], 233.0, kAccuracyMs);
+    EXPECT_NEAR(outcome.latenessMs[1], 0.0, kAccuracyMs);
+}
+
+TEST(MeasurementAnalysis, ADifferenceBeyondTheLongestDelayIsStillMeasured)
+{
+    const auto outcome = analyseRecording(recordInRoom(roomWith(0.0, 650.0)));
+    ASSERT_EQ(outcome.status, MeasurementStatus::Measured);
+    EXPECT_NEAR(outcome.latenessMs[1], 650.0, kAccuracyMs);
+}
+
+TEST(MeasurementAnalysis, OneLostRepeatIsLeftOutButTwoAreTooMany)
+{
+    Room room = roomWith(20.0, 190.0);
+    room.speakers[1].lost = {true, false, false, false};
+    const auto outcome = analyseRecording(recordInRoom(room));
+    ASSERT_EQ(outcome.status, MeasurementStatus::Measured);
+    EXPECT_EQ(outcome.differencesMs.size(), kRepeats - 1);
+    EXPECT_NEAR(outcome.latenessMs[1], 170.0, kAccuracyMs);
+
+    room.speakers[0].lost = {false, false, true, false};
+    EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::TooNoisy);
+}
+
+TEST(MeasurementAnalysis, ASilentSpeakerIsNamed)
+{
+    for (const std::size_t silent : {0u, 1u}) {
+        Room room = roomWith(20.0, 190.0);
+        room.speakers[silent].gain = 0.0f;
+        const auto outcome = analyseRecording(recordInRoom(room));
+        EXPECT_EQ(outcome.status, MeasurementStatus::NoSignal) << silent;
+        EXPECT_EQ(outcome.silentMember, silent);
+    }
+}
+
+TEST(MeasurementAnalysis, NearSilenceIsTooQuiet)
+{
+    Room room = roomWith(20.0, 190.0);
+    room.speakers[0].gain = room.speakers[1].gain = 0.0f;
+    room.noiseRms = 0.0005f;
+    EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::TooQuiet);
+    room.noiseRms = 0.0f;
+    EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::TooQuiet);
+}
+
+TEST(MeasurementAnalysis, SweepsDrownedInNoiseAreTooNoisy)
+{
+    Room room = roomWith(20.0, 190.0);
+    room.speakers[0].gain = room.speakers[1].gain = 0.002f;
+    room.noiseRms = 0.3f;
+    EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::TooNoisy);
+}
+
+TEST(MeasurementAnalysis, RepeatsThatDisagreeByMoreThanFiveMillisecondsAreTurnedDown)
+{
+    Room room = roomWith(20.0, 190.0);
+    room.speakers[1].jitterMs = {0.0, 3.0, 6.0, 1.0};
+    const auto outcome = analyseRecording(recordInRoom(room));
+    EXPECT_EQ(outcome.status, MeasurementStatus::RepeatsDisagree);
+    EXPECT_NEAR(outcome.spreadMs, 6.0, kAccuracyMs);
+
+    room.speakers[1].jitterMs = {0.0, 2.0, 4.0, 1.0};
+    EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::Measured);
+}
+
+} // namespace
+} // namespace orvanta::measure

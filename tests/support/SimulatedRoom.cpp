@@ -1,0 +1,117 @@
+#include "SimulatedRoom.h"
+
+#include <QProcess>
+#include <QTemporaryFile>
+#include <QThread>
+
+#include <cmath>
+#include <cstring>
+
+#include <random>
+
+namespace orvanta::testing {
+
+namespace {
+
+constexpr float kNoiseRms = 0.003f;
+// Long enough for any one test; a test that runs longer measures in the quiet.
+constexpr double kNoiseSeconds = 60.0;
+constexpr float kClickThreshold = 0.25f;
+
+// The first frame of every click in a mono recording: louder than the noise by far, after at
+// least 50 ms of quiet.
+std::vector<long> monoClickOnsets(const std::vector<float>& samples)
+{
+    std::vector<long> onsets;
+    long quiet = kMeterRate;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (std::abs(samples[i]) <= kClickThreshold) {
+            ++quiet;
+            continue;
+        }
+        if (quiet >= kMeterRate / 20) {
+            onsets.push_back(static_cast<long>(i));
+        }
+        quiet = 0;
+    }
+    return onsets;
+}
+
+} // namespace
+
+Samples roomNoise(double seconds)
+{
+    Samples samples(static_cast<std::size_t>(seconds * kMeterRate) * 2);
+    std::mt19937 random(3);
+    std::normal_distribution<float> noise(0.0f, kNoiseRms);
+    for (auto& sample : samples) {
+        sample = noise(random);
+    }
+    return samples;
+}
+
+bool SimulatedRoom::build(int primaryMs, int secondaryMs)
+{
+    // A loopback re-times itself when the graph's cycle length changes (a recorder that joins
+    // may shorten it); one fixed cycle keeps the room's latencies what they were asked to be.
+    if (QProcess::execute("pw-metadata", {"-n", "settings", "0", "clock.force-quantum", "1024"}) != 0) {
+        return false;
+    }
+    for (const char* sink : {"mA", "mB", "room"}) {
+        if (server.loadModule("module-null-sink", {QString("sink_name=") + sink, "rate=48000", "channels=2"}) < 0) {
+            return false;
+        }
+    }
+    const std::array<std::pair<const char*, int>, 2> speakers{{{"mA", primaryMs}, {"mB", secondaryMs}}};
+    for (std::size_t i = 0; i < speakers.size(); ++i) {
+        loopbacks[i] =
+            server.loadModule("module-loopback", {QString("source=%1.monitor").arg(speakers[i].first), "sink=room",
+                                                  QString("latency_msec=%1").arg(speakers[i].second),
+                                                  "source_dont_move=true", "sink_dont_move=true"});
+        if (loopbacks[i] < 0) {
+            return false;
+        }
+    }
+    noise = std::make_unique<Player>(server, roomNoise(kNoiseSeconds), "room");
+    return noise->started();
+}
+
+std::optional<double> SimulatedRoom::clickLatenessMs(int holdBackMs) const
+{
+    QTemporaryFile file;
+    if (!file.open()) {
+        return std::nullopt;
+    }
+    QProcess recorder;
+    auto env = QProcessEnvironment::systemEnvironment();
+    env.insert("PULSE_SERVER", server.serverAddress());
+    recorder.setProcessEnvironment(env);
+    recorder.setStandardOutputFile(file.fileName());
+    recorder.start("parec", {"-d", kRoomMicrophone, "--raw", "--format=float32le", "--rate=48000", "--channels=1",
+                             "--latency-msec=20", "--property=node.dont-reconnect=true"});
+    if (!recorder.waitForStarted(5000)) {
+        return std::nullopt;
+    }
+    QThread::msleep(300);
+    Player player(server, clickTrack(1.0, {0.3}));
+    const bool played = player.waitUntilDone();
+    QThread::msleep(static_cast<unsigned long>(holdBackMs + 1000));
+    recorder.terminate();
+    recorder.waitForFinished(3000);
+    const QByteArray bytes = file.readAll();
+    std::vector<float> samples(static_cast<std::size_t>(bytes.size()) / sizeof(float));
+    std::memcpy(samples.data(), bytes.constData(), samples.size() * sizeof(float));
+    const auto onsets = monoClickOnsets(samples);
+    if (!played || onsets.size() != 2) {
+        return std::nullopt;
+    }
+    return static_cast<double>(onsets[1] - onsets[0]) * 1000.0 / kMeterRate - holdBackMs;
+}
+
+bool SimulatedRoom::silence(int speaker)
+{
+    const auto index = loopbacks.at(static_cast<std::size_t>(speaker));
+    return index >= 0 && !server.pactl({"unload-module", QString::number(index)}).isNull();
+}
+
+} // namespace orvanta::testing
