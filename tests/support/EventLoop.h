@@ -1,9 +1,10 @@
 #pragma once
 
-// Runs the Qt event loop until a condition holds or a bound passes.
+// Waits for a condition with a bound: running the Qt event loop, or not.
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QThread>
 
 #include <chrono>
 #include <functional>
@@ -19,6 +20,20 @@ inline bool runUntil(const std::function<bool()>& done, std::chrono::millisecond
             return false;
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+// Waits, without an event loop, until a condition holds or a bound passes (in ms).
+inline bool eventually(const std::function<bool()>& done, int milliseconds = 5000)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > milliseconds) {
+            return false;
+        }
+        QThread::msleep(10);
     }
     return true;
 }

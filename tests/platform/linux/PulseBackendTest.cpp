@@ -2,6 +2,7 @@
 // pulse server, each with null sinks standing in for speakers, and the backend chosen as the
 // program chooses it (the loopback design on PulseAudio, the hosted node on PipeWire).
 
+#include "support/EventLoop.h"
 #include "support/SoundServer.h"
 
 #include "AudioBackend.h"
@@ -25,19 +26,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using Kind = SoundServer::Kind;
-
-bool eventually(const std::function<bool()>& done, int milliseconds = 5000)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > milliseconds) {
-            return false;
-        }
-        QThread::msleep(20);
-    }
-    return true;
-}
 
 class PulseBackend : public ::testing::TestWithParam<Kind>
 {

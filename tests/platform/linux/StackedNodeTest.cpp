@@ -3,6 +3,7 @@
 // changed live without a gap or a click, honest about its latency, and picking up a member
 // that comes back.
 
+#include "support/EventLoop.h"
 #include "support/LatencyProbe.h"
 #include "support/LevelMeter.h"
 #include "support/OffsetMeter.h"
@@ -25,19 +26,6 @@ namespace orvanta::testing {
 namespace {
 
 constexpr double kExactMs = 0.1;
-
-bool eventually(const std::function<bool()>& done, int milliseconds)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > milliseconds) {
-            return false;
-        }
-        QThread::msleep(10);
-    }
-    return true;
-}
 
 class PipeWireRig
 {
