@@ -120,6 +120,12 @@ QString SoundServer::serverAddress() const
 QProcessEnvironment SoundServer::environment() const
 {
     auto env = QProcessEnvironment::systemEnvironment();
+    // Settings a developer's shell may carry for their own session would send these servers to
+    // another configuration or another daemon.
+    for (const char* variable : {"PIPEWIRE_CONFIG_NAME", "PIPEWIRE_CONFIG_DIR", "PIPEWIRE_CONFIG_PREFIX",
+                                 "PIPEWIRE_REMOTE", "WIREPLUMBER_CONFIG_DIR", "WIREPLUMBER_DATA_DIR"}) {
+        env.remove(variable);
+    }
     env.insert("XDG_RUNTIME_DIR", runtime.path());
     env.insert("PULSE_SERVER", serverAddress());
     env.insert("PULSE_RUNTIME_PATH", runtime.path() + "/pulse");
