@@ -205,7 +205,30 @@ bool SoundServer::start()
             return failed(process->program() + " exited");
         }
     }
-    return true;
+    return waitUntilPolicyRuns(15000) ||
+           failed("the session manager chose no default sink within 15 s (it has no default-node policy running)");
+}
+
+bool SoundServer::waitUntilPolicyRuns(int milliseconds) const
+{
+    // The session manager loads its policy after the pulse server answers, later still on a busy
+    // machine, and a test that loads sinks and reads the default at once would race it. It makes
+    // the only sink there is the default once the policy runs: a probe sink shows when, and goes.
+    const QString probe = "orvanta.server.probe";
+    const long long module = loadModule("module-null-sink", {"sink_name=" + probe});
+    if (module < 0) {
+        return false;
+    }
+    QElapsedTimer clock;
+    clock.start();
+    bool chosen = false;
+    while (!chosen && clock.elapsed() < milliseconds) {
+        chosen = pactl({"info"}).contains("Default Sink: " + probe + "\n");
+        if (!chosen) {
+            QThread::msleep(50);
+        }
+    }
+    return !pactl({"unload-module", QString::number(module)}).isNull() && chosen;
 }
 
 bool SoundServer::failed(const QString& why) const

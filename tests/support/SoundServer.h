@@ -49,6 +49,8 @@ private:
     QProcess* launch(const QString& program, const QStringList& arguments);
     bool startSessionBus();
     bool waitUntilAnswering(int milliseconds) const;
+    // PipeWire: bounded wait until the session manager picks default sinks.
+    bool waitUntilPolicyRuns(int milliseconds) const;
     // Prints why start() failed, with the output of every process it launched.
     bool failed(const QString& why) const;
     QProcessEnvironment environment() const;
