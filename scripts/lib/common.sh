@@ -3,13 +3,18 @@
 
 ORVANTA_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)"
 
+# Everything is named, down to what a bare Debian 12 root (debootstrap minbase, a container)
+# lacks: the tests' private sound servers need dbus (dbus-daemon) and pulseaudio-utils (pactl,
+# pacat, parec); cpack's shlibdeps step needs dpkg-dev and file; Qt draws text (offscreen and
+# under Xvfb) in a font fontconfig finds, named here rather than left to a dependency's choice.
 ORVANTA_PACKAGES=(
     cmake ninja-build g++ pkg-config
-    qt6-base-dev qt6-svg-dev xvfb
+    qt6-base-dev qt6-svg-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     libpulse-dev libpipewire-0.3-dev pulseaudio pulseaudio-utils pipewire pipewire-pulse wireplumber dbus
     clang libclang-rt-14-dev
-    xvfb xdotool libxcb1-dev dpkg-dev file desktop-file-utils
+    xvfb xdotool libxcb1-dev fonts-dejavu-core
+    dpkg-dev file desktop-file-utils
 )
 
 # Installs the packages that are not installed yet, with sudo unless already root.

@@ -1,16 +1,95 @@
 #include "SoundServer.h"
 
+#include <QDebug>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QThread>
 
 #include <csignal>
+#include <cstring>
+#include <functional>
+
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace orvanta::testing {
+namespace {
+
+// The session manager's own settings for a private server, read before the system's. WirePlumber
+// 0.4 starts its Bluetooth monitor with logind seat tracking, which fails and takes the whole
+// session manager down where logind does not run (a container, a chroot, a minimal CI machine):
+// then nothing ever picks a default sink. A private test server has no Bluetooth devices to
+// offer anyway, so the monitor stays off; the default-node policy is untouched.
+constexpr char kNoBluetoothMonitor[] =
+    "-- A private test server: no Bluetooth monitor, and so no logind seat tracking.\n"
+    "bluez_monitor.enabled = false\n";
+
+bool writeFile(const QString& path, const QByteArray& contents)
+{
+    if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
+        return false;
+    }
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(contents) == contents.size();
+}
+
+// True once something listens on the Unix socket at path. A socket file alone is not enough: one
+// left by a killed server stays behind until the next one takes it over.
+bool socketAccepts(const QString& path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    sockaddr_un address{};
+    if (name.size() >= static_cast<qsizetype>(sizeof(address.sun_path))) {
+        return false;
+    }
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0) {
+        return false;
+    }
+    const bool connected = ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+    ::close(fd);
+    return connected;
+}
+
+// Whether process has ended. Without an event loop its state is only brought up to date by a
+// wait, hence the wait of no time.
+bool exited(QProcess& process)
+{
+    return process.state() == QProcess::NotRunning || process.waitForFinished(0);
+}
+
+// Polls until done() holds, for at most milliseconds; gives up early once process has exited.
+bool waitFor(const std::function<bool()>& done, int milliseconds, QProcess& process)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > milliseconds || exited(process)) {
+            return done();
+        }
+        QThread::msleep(20);
+    }
+    return true;
+}
+
+QString logName(const QProcess& process)
+{
+    return QFileInfo(process.program()).fileName() + ".log";
+}
+
+} // namespace
 
 SoundServer::SoundServer(Kind kind) : serverKind(kind)
 {
     QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    writeFile(runtime.path() + "/config/wireplumber/bluetooth.lua.d/80-no-bluetooth-monitor.lua",
+              kNoBluetoothMonitor);
     qputenv("PULSE_SERVER", serverAddress().toUtf8());
     // This process's own PipeWire clients find this server's daemon, and only it.
     qputenv("PIPEWIRE_RUNTIME_DIR", runtime.path().toUtf8());
@@ -19,8 +98,12 @@ SoundServer::SoundServer(Kind kind) : serverKind(kind)
 SoundServer::~SoundServer()
 {
     kill();
-    if (sessionBusPid > 0) {
-        ::kill(static_cast<pid_t>(sessionBusPid), SIGTERM);
+    if (sessionBusProcess) {
+        sessionBusProcess->terminate();
+        if (!sessionBusProcess->waitForFinished(3000)) {
+            sessionBusProcess->kill();
+            sessionBusProcess->waitForFinished(3000);
+        }
     }
 }
 
@@ -37,11 +120,19 @@ QString SoundServer::serverAddress() const
 QProcessEnvironment SoundServer::environment() const
 {
     auto env = QProcessEnvironment::systemEnvironment();
+    // Settings a developer's shell may carry for their own session would send these servers to
+    // another configuration or another daemon.
+    for (const char* variable : {"PIPEWIRE_CONFIG_NAME", "PIPEWIRE_CONFIG_DIR", "PIPEWIRE_CONFIG_PREFIX",
+                                 "PIPEWIRE_REMOTE", "WIREPLUMBER_CONFIG_DIR", "WIREPLUMBER_DATA_DIR"}) {
+        env.remove(variable);
+    }
     env.insert("XDG_RUNTIME_DIR", runtime.path());
     env.insert("PULSE_SERVER", serverAddress());
     env.insert("PULSE_RUNTIME_PATH", runtime.path() + "/pulse");
     env.insert("PIPEWIRE_RUNTIME_DIR", runtime.path());
-    // The session manager keeps what it learns (the chosen default sink) per server, not per user.
+    // The servers read their settings from here (the session manager's above, nothing else), not
+    // from the user's, and keep what they learn (the chosen default sink) per server, not per user.
+    env.insert("XDG_CONFIG_HOME", runtime.path() + "/config");
     env.insert("XDG_STATE_HOME", runtime.path() + "/state");
     if (!sessionBus.isEmpty()) {
         env.insert("DBUS_SESSION_BUS_ADDRESS", sessionBus);
@@ -49,16 +140,43 @@ QProcessEnvironment SoundServer::environment() const
     return env;
 }
 
-QProcess* SoundServer::launch(const QString& program, const QStringList& arguments)
+std::unique_ptr<QProcess> SoundServer::spawn(const QString& program, const QStringList& arguments) const
 {
     auto process = std::make_unique<QProcess>();
+    process->setProgram(program);
+    process->setArguments(arguments);
     process->setProcessEnvironment(environment());
-    process->setStandardOutputFile(QProcess::nullDevice());
-    process->setStandardErrorFile(QProcess::nullDevice());
-    process->start(program, arguments);
+    process->setProcessChannelMode(QProcess::MergedChannels);
+    process->setStandardOutputFile(runtime.path() + "/" + logName(*process));
+    // A test process that crashes or is killed by a timeout takes its servers along instead of
+    // leaving them running. (The signal is sent when the thread that started them ends: the tests
+    // start servers on their main thread.)
+    const pid_t parent = ::getpid();
+    process->setChildProcessModifier([parent] {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent) {
+            ::_exit(127);
+        }
+    });
+    process->start();
     process->waitForStarted(5000);
-    processes.push_back(std::move(process));
+    return process;
+}
+
+QProcess* SoundServer::launch(const QString& program, const QStringList& arguments)
+{
+    processes.push_back(spawn(program, arguments));
     return processes.back().get();
+}
+
+bool SoundServer::startSessionBus()
+{
+    // At an address of its own choosing in the runtime directory, so that it can be waited for
+    // and stays this server's; it outlives kill() and start(), as a user's session bus would.
+    const QString socket = runtime.path() + "/bus";
+    sessionBus = "unix:path=" + socket;
+    sessionBusProcess = spawn("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--address=" + sessionBus});
+    return waitFor([&] { return socketAccepts(socket); }, 5000, *sessionBusProcess);
 }
 
 bool SoundServer::start()
@@ -66,26 +184,74 @@ bool SoundServer::start()
     if (serverKind == Kind::PulseAudio) {
         launch("pulseaudio", {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--disallow-exit",
                               "-L", "module-native-protocol-unix auth-anonymous=1"});
-        return waitUntilAnswering(10000);
+        return waitUntilAnswering(10000) || failed("PulseAudio did not answer within 10 s");
     }
-    if (sessionBus.isEmpty()) {
-        QProcess bus;
-        bus.start("dbus-daemon", {"--session", "--fork", "--print-address=1", "--print-pid=1"});
-        if (!bus.waitForFinished(5000)) {
-            return false;
-        }
-        const auto lines = QString::fromUtf8(bus.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-        if (lines.size() < 2) {
-            return false;
-        }
-        sessionBus = lines[0].trimmed();
-        sessionBusPid = lines[1].trimmed().toLongLong();
+    if (!sessionBusProcess && !startSessionBus()) {
+        return failed("the session bus did not start within 5 s");
     }
-    launch("pipewire", {});
-    QThread::msleep(300);
+    // The session manager and the pulse server connect once, at start: the daemon must be
+    // listening by then, however long it takes on a busy machine.
+    QProcess* daemon = launch("pipewire", {});
+    if (!waitFor([this] { return socketAccepts(runtime.path() + "/pipewire-0"); }, 10000, *daemon)) {
+        return failed("pipewire did not listen within 10 s");
+    }
     launch("wireplumber", {});
     launch("pipewire-pulse", {});
-    return waitUntilAnswering(15000);
+    if (!waitUntilAnswering(15000)) {
+        return failed("pipewire-pulse did not answer within 15 s");
+    }
+    for (const auto& process : processes) {
+        if (exited(*process)) {
+            return failed(process->program() + " exited");
+        }
+    }
+    return waitUntilPolicyRuns(15000) ||
+           failed("the session manager chose no default sink within 15 s (it has no default-node policy running)");
+}
+
+bool SoundServer::waitUntilPolicyRuns(int milliseconds) const
+{
+    // The session manager loads its policy after the pulse server answers, later still on a busy
+    // machine, and a test that loads sinks and reads the default at once would race it. It makes
+    // the only sink there is the default once the policy runs: a probe sink shows when, and goes.
+    const QString probe = "orvanta.server.probe";
+    const long long module = loadModule("module-null-sink", {"sink_name=" + probe});
+    if (module < 0) {
+        return false;
+    }
+    QElapsedTimer clock;
+    clock.start();
+    bool chosen = false;
+    while (!chosen && clock.elapsed() < milliseconds) {
+        chosen = pactl({"info"}).contains("Default Sink: " + probe + "\n");
+        if (!chosen) {
+            QThread::msleep(50);
+        }
+    }
+    return !pactl({"unload-module", QString::number(module)}).isNull() && chosen;
+}
+
+bool SoundServer::failed(const QString& why) const
+{
+    qWarning().noquote() << "The private" << name(serverKind) << "server failed to start:" << why;
+    std::vector<QProcess*> launched;
+    if (sessionBusProcess) {
+        launched.push_back(sessionBusProcess.get());
+    }
+    for (const auto& process : processes) {
+        launched.push_back(process.get());
+    }
+    for (QProcess* process : launched) {
+        QFile log(runtime.path() + "/" + logName(*process));
+        const QString state = exited(*process)
+                                  ? QString("exited with %1").arg(process->exitCode())
+                                  : QString("running");
+        qWarning().noquote() << "---" << process->program() << state << "; its output:";
+        if (log.open(QIODevice::ReadOnly)) {
+            qWarning().noquote() << QString::fromUtf8(log.readAll().right(4000));
+        }
+    }
+    return false;
 }
 
 void SoundServer::kill()

@@ -1,8 +1,10 @@
 #pragma once
 
 // A private sound server for one test: PulseAudio 16, or PipeWire with its pulse server (and
-// the session bus and session manager it needs), each in its own runtime directory, with
-// PULSE_SERVER pointed at it for this process. Torn down when the object goes.
+// the session bus and session manager it needs), each in its own runtime, configuration and
+// state directories, with PULSE_SERVER pointed at it for this process. Needs no system service
+// (no system bus, no logind), so it runs in a container or a bare root as well. Torn down when
+// the object goes; its processes also end if the test process dies first.
 
 #include <QProcess>
 #include <QString>
@@ -46,14 +48,20 @@ public:
     static const char* name(Kind kind);
 
 private:
+    std::unique_ptr<QProcess> spawn(const QString& program, const QStringList& arguments) const;
     QProcess* launch(const QString& program, const QStringList& arguments);
+    bool startSessionBus();
     bool waitUntilAnswering(int milliseconds) const;
+    // PipeWire: bounded wait until the session manager picks default sinks.
+    bool waitUntilPolicyRuns(int milliseconds) const;
+    // Prints why start() failed, with the output of every process it launched.
+    bool failed(const QString& why) const;
     QProcessEnvironment environment() const;
 
     Kind serverKind;
     QTemporaryDir runtime;
     QString sessionBus;
-    qint64 sessionBusPid = 0;
+    std::unique_ptr<QProcess> sessionBusProcess;
     std::vector<std::unique_ptr<QProcess>> processes;
 };
 

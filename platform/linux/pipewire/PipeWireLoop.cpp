@@ -24,7 +24,10 @@ std::unique_ptr<PipeWireLoop> PipeWireLoop::connect()
     if (!session->loop) {
         return nullptr;
     }
-    session->pwContext = pw_context_new(pw_thread_loop_get_loop(session->loop), nullptr, 0);
+    // The client configuration that lets the data thread run with real-time priority where the
+    // system allows it, as players do: a stacked device must not miss cycles when the machine is busy.
+    session->pwContext = pw_context_new(pw_thread_loop_get_loop(session->loop),
+                                        pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", nullptr), 0);
     if (!session->pwContext || pw_thread_loop_start(session->loop) < 0) {
         return nullptr;
     }

@@ -76,7 +76,7 @@ TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
     ASSERT_EQ(printed.lines.size(), 1u);
     EXPECT_THAT(printed.lines[0], ::testing::StartsWith("✅ Sync Device Created! ID: "));
-    EXPECT_EQ(server->pactl({"get-default-sink"}).trimmed(), "com.quellon.stacked");
+    EXPECT_TRUE(eventually([this] { return server->pactl({"get-default-sink"}).trimmed() == "com.quellon.stacked"; }));
     const QString sinks = server->pactl({"list", "sinks"});
     EXPECT_TRUE(sinks.contains("Name: com.quellon.stacked")) << sinks.toStdString();
     EXPECT_TRUE(sinks.contains("Description: Orvanta"));
@@ -98,7 +98,8 @@ TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 20), hal::noErr);
     EXPECT_EQ(printed.lines.front(), "🗑️ Startup Cleanup: Old device destroyed.");
     EXPECT_EQ(sinksNamed("com.quellon.stacked"), 1);
-    EXPECT_TRUE(moduleLoading("module-loopback").isEmpty());
+    // The server lists an unloaded module for a moment longer.
+    EXPECT_TRUE(eventually([this] { return moduleLoading("module-loopback").isEmpty(); }));
     EXPECT_TRUE(moduleLoading("sink_name=com.quellon.stacked").isEmpty());
 }
 
