@@ -223,24 +223,45 @@ std::optional<double> measureOffsetMs(const SoundServer& server)
     return static_cast<double>(a.front() - b.front()) * 1000.0 / kMeterRate;
 }
 
-std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change,
-                                       int changeAfterMs)
+namespace {
+
+bool cleanTone(const ToneCheck& tone)
 {
-    Recorder recorder(server);
-    Player player(server, toneTrack(changeAfterMs / 1000.0 + 1.5));
-    if (!recorder.started() || !player.started()) {
+    return tone.longestGapMs < 1.0 && tone.largestStep <= tone.toneStep * 1.05 && tone.finiteWithinScale;
+}
+
+} // namespace
+
+std::optional<ToneCheck> changedMemberTone(const SoundServer& server, double seconds,
+                                           const std::function<void()>& changes)
+{
+    for (int run = 0; run < 3; ++run) {
+        Recorder recorder(server);
+        Player player(server, toneTrack(seconds));
+        if (!recorder.started() || !player.started()) {
+            return std::nullopt;
+        }
+        changes();
+        player.waitUntilDone();
+        const auto recording = recorder.stop(1000);
+        const auto control = checkTone(recording, kMemberB);
+        if (control && cleanTone(*control)) {
+            return checkTone(recording, kMemberA);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change)
+{
+    const auto tone = changedMemberTone(server, 2.5, [&] {
+        QThread::msleep(1000);
+        change();
+    });
+    if (!tone) {
         return std::nullopt;
     }
-    QThread::msleep(static_cast<unsigned long>(changeAfterMs));
-    change();
-    player.waitUntilDone();
-    const auto recording = recorder.stop(1000);
-    const auto a = checkTone(recording, kMemberA);
-    const auto b = checkTone(recording, kMemberB);
-    if (!a || !b) {
-        return std::nullopt;
-    }
-    return std::max(a->longestGapMs, b->longestGapMs);
+    return tone->longestGapMs;
 }
 
 } // namespace orvanta::testing

@@ -80,9 +80,15 @@ std::optional<ToneCheck> checkTone(const Samples& recording, int channel);
 // Plays a click into the stacked device: the time mA plays it minus the time mB does, in ms.
 std::optional<double> measureOffsetMs(const SoundServer& server);
 
-// Plays a steady tone into the stacked device, runs change changeAfterMs in, and gives the
-// longest stretch, in ms, in which either member fell silent.
-std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change,
-                                       int changeAfterMs = 1000);
+// Plays a tone of the given length into the stacked device while changes runs; the changes move
+// only mA's hold-back (mB declares the delays). mB hears the player unchanged, so it tells
+// whether the machine itself stumbled (a player or the server missing a cycle under load): such
+// a run says nothing about the changes and is played again, up to three times. Gives how mA's
+// tone came through in an undisturbed run, or nothing.
+std::optional<ToneCheck> changedMemberTone(const SoundServer& server, double seconds,
+                                           const std::function<void()>& changes);
+
+// The longest stretch, in ms, in which mA fell silent when change ran a second into a tone.
+std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change);
 
 } // namespace orvanta::testing
