@@ -334,6 +334,7 @@ void PulseConnection::onModuleInfo(pa_context*, const pa_module_info* info, int 
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
         connection->mirror.update(*info);
+        connection->unloadIfAbandoned(info->index);
     } else if (eol != 0) {
         connection->finishInitialRequest();
     }
@@ -362,7 +363,9 @@ bool PulseConnection::run(const Start& start, Pending& pending, CallbackData* us
     pa_operation* op = state() == State::Ready && context ? start(context, userdata) : nullptr;
     pa_threaded_mainloop_unlock(loop);
     if (!op) {
+        // Never sent: nothing the server could still carry out later.
         delete userdata;
+        pending.complete(false);
         return false;
     }
     // Once a write has gone unanswered, the next ones wait only briefly until the server is heard
@@ -420,14 +423,52 @@ std::optional<std::uint32_t> PulseConnection::loadModule(const std::string& name
         },
         *pending, call);
     if (!ok) {
+        std::unique_lock lock(pending->mutex);
+        if (!pending->done) {
+            lock.unlock();
+            giveUpLoad(name, arguments);
+        }
         return std::nullopt;
     }
     pa_threaded_mainloop_lock(loop);
+    std::erase(abandonedLoads, std::pair{name, arguments});
     // The server just gave out this index, whatever it meant before.
     mirror.announceNew(PA_SUBSCRIPTION_EVENT_MODULE, pending->index);
     mirror.addModule({pending->index, name, arguments});
     pa_threaded_mainloop_unlock(loop);
     return pending->index;
+}
+
+// A load that the server did not answer in time may still be carried out later: the program has
+// reported it as failed, so the module must not stay. It is unloaded when it shows up.
+void PulseConnection::giveUpLoad(const std::string& name, const std::string& arguments)
+{
+    pa_threaded_mainloop_lock(loop);
+    abandonedLoads.emplace_back(name, arguments);
+    for (const auto& [index, module] : mirror.modules) {
+        if (module.name == name && module.argument == arguments) {
+            unloadIfAbandoned(index);
+            break;
+        }
+    }
+    pa_threaded_mainloop_unlock(loop);
+}
+
+void PulseConnection::unloadIfAbandoned(std::uint32_t index)
+{
+    const auto module = mirror.modules.find(index);
+    if (module == mirror.modules.end() || !context) {
+        return;
+    }
+    const auto abandoned = std::find(abandonedLoads.begin(), abandonedLoads.end(),
+                                     std::pair{module->second.name, module->second.argument});
+    if (abandoned == abandonedLoads.end()) {
+        return;
+    }
+    abandonedLoads.erase(abandoned);
+    if (auto* op = pa_context_unload_module(context, index, nullptr, nullptr)) {
+        pa_operation_unref(op);
+    }
 }
 
 bool PulseConnection::unloadModule(std::uint32_t index)

@@ -113,6 +113,8 @@ private:
     void restore();
     void reattach(const std::string& sinkName);
     void loadModuleAsync(const std::string& name, const std::string& arguments);
+    void giveUpLoad(const std::string& name, const std::string& arguments);
+    void unloadIfAbandoned(std::uint32_t index);
 
     static void onContextState(pa_context* context, void* self);
     static void onSubscription(pa_context* context, pa_subscription_event_type_t type, std::uint32_t index, void* self);
@@ -134,6 +136,8 @@ private:
     RestorePlan restorePlan;
     std::uint64_t contextGeneration = 0;
     std::vector<std::unique_ptr<DelayedUnload>> delayedUnloads;
+    // Loads given up on when the server did not answer: name and arguments, unloaded on arrival.
+    std::vector<std::pair<std::string, std::string>> abandonedLoads;
 
     mutable std::mutex stateMutex;
     std::condition_variable stateChanged;

@@ -224,6 +224,25 @@ TEST_P(PulseBackend, AHungServerHoldsNoActionLongerThanItsBound)
     EXPECT_LT(syncOff, 2500);
 }
 
+TEST_P(PulseBackend, ASyncOnThatAHungServerNeverAnswersLeavesNothingBehind)
+{
+    server->freeze();
+    QElapsedTimer clock;
+    clock.start();
+    const auto status = audio->createStackedDevice("spk", "bt", 0, 150);
+    const qint64 blocked = clock.elapsed();
+    server->thaw();
+    EXPECT_NE(status, hal::noErr);
+    EXPECT_LT(blocked, 2500);
+    for (const auto& line : printed.lines) {
+        EXPECT_THAT(line, ::testing::Not(::testing::StartsWith("✅")));
+    }
+    // What the server carries out once it runs again is taken back.
+    QThread::msleep(1000);
+    EXPECT_TRUE(eventually([this] { return sinksNamed("com.quellon.stacked") == 0; }));
+    EXPECT_TRUE(modules("module-loopback").isEmpty());
+}
+
 TEST_P(PulseBackend, AVanishedServerGivesStatusesAtOnceAndIsRejoinedWhenItReturns)
 {
     ASSERT_EQ(audio->createStackedDevice("spk", "bt", 0, 150), hal::noErr);
