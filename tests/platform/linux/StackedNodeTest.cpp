@@ -265,6 +265,7 @@ TEST_P(StackedNodeLatency, APlayerIsToldTheLatencyToTheLaterMember)
     const double measured = static_cast<double>(probe->stackedClick - probe->referenceClick) * 1000.0 / kMeterRate;
     const double told = probe->toldStackedMs - probe->toldReferenceMs - probe->writeGapMs;
     RecordProperty("told_ms", std::to_string(probe->toldStackedMs));
+    RecordProperty("told_minus_measured_ms", std::to_string(told - measured));
     EXPECT_NEAR(told, measured, 2.0) << "stacked told " << probe->toldStackedMs << " ms, ref told "
                                      << probe->toldReferenceMs << " ms, write gap " << probe->writeGapMs << " ms";
 }
