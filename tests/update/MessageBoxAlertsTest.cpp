@@ -8,19 +8,16 @@
 #include "sim/services/SimulatedBundleInfo.h"
 #include "sim/services/SimulatedWorkspace.h"
 
-#include "support/CountingHttpClient.h"
+#include "CountingHttpClient.h"
+#include "LoopbackServer.h"
 #include "support/EventLoop.h"
-#include "support/LoopbackServer.h"
 #include "support/Printers.h"
-#include "support/TestApplication.h"
 
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDesktopServices>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -33,19 +30,6 @@ using namespace std::chrono_literals;
 namespace orvanta::linux_platform {
 namespace {
 
-[[maybe_unused]] const auto* const environment =
-    ::testing::AddGlobalTestEnvironment(new testing::ApplicationEnvironment<QApplication>);
-
-QMessageBox* openMessageBox()
-{
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (auto* box = qobject_cast<QMessageBox*>(widget); box != nullptr && box->isVisible()) {
-            return box;
-        }
-    }
-    return nullptr;
-}
-
 // Calls act once on every message box that opens while it is alive. A box still open after the
 // time limit is closed, so that a test that fails cannot hang in a modal loop.
 class DialogWatcher
@@ -55,11 +39,10 @@ public:
     {
         QObject::connect(&poll, &QTimer::timeout, [this] {
             QMessageBox* box = openMessageBox();
-            if (box == nullptr || box->property("watched").toBool()) {
-                return;
+            if (box != nullptr && !box->property("watched").toBool()) {
+                box->setProperty("watched", true);
+                act(box);
             }
-            box->setProperty("watched", true);
-            this->act(box);
         });
         QObject::connect(&limit, &QTimer::timeout, [] {
             while (QMessageBox* box = openMessageBox()) {
@@ -72,6 +55,16 @@ public:
     }
 
 private:
+    static QMessageBox* openMessageBox()
+    {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box != nullptr && box->isVisible()) {
+                return box;
+            }
+        }
+        return nullptr;
+    }
+
     std::function<void(QMessageBox*)> act;
     QTimer poll;
     QTimer limit;
@@ -87,60 +80,40 @@ QAbstractButton* buttonTitled(QMessageBox* box, const QString& title)
     return nullptr;
 }
 
-struct SeenBox
+// What a box shows: its texts, buttons, default and escape buttons, and whether it is modal.
+QStringList describe(QMessageBox* box)
 {
-    QString text;
-    QString informativeText;
-    QStringList buttons;
-    Qt::WindowModality modality = Qt::NonModal;
-    QString defaultButton;
-    QString escapeButton;
-};
-
-SeenBox describe(QMessageBox* box)
-{
-    SeenBox seen;
-    seen.text = box->text();
-    seen.informativeText = box->informativeText();
+    QStringList seen{box->text(), box->informativeText()};
     for (QAbstractButton* button : box->buttons()) {
-        seen.buttons.append(button->text());
+        seen.append(button->text());
     }
-    seen.modality = box->windowModality();
-    seen.defaultButton = box->defaultButton() != nullptr ? box->defaultButton()->text() : QString();
-    seen.escapeButton = box->escapeButton() != nullptr ? box->escapeButton()->text() : QString();
+    seen.append("default " + (box->defaultButton() ? box->defaultButton()->text() : QString()));
+    seen.append("escape " + (box->escapeButton() ? box->escapeButton()->text() : QString()));
+    seen.append(box->windowModality() == Qt::ApplicationModal ? "application modal" : "not modal");
     return seen;
 }
 
 TEST(UpdateMessageBoxAlerts, ShowsTheAlertModallyAndGivesTheChosenButton)
 {
     MessageBoxAlerts alerts;
-    std::optional<SeenBox> seen;
+    QStringList seen;
     DialogWatcher watcher([&](QMessageBox* box) {
         seen = describe(box);
         buttonTitled(box, "Later")->click();
     });
-    const int choice = alerts.runModal({"Orvanta 1.5.0 is Available", "Notes", {"Download Update", "Later"}});
-    ASSERT_TRUE(seen.has_value());
-    EXPECT_EQ(choice, 1);
-    EXPECT_EQ(seen->text, "Orvanta 1.5.0 is Available");
-    EXPECT_EQ(seen->informativeText, "Notes");
-    EXPECT_EQ(seen->buttons, (QStringList{"Download Update", "Later"}));
-    EXPECT_EQ(seen->modality, Qt::ApplicationModal);
-    EXPECT_EQ(seen->defaultButton, "Download Update");
-    EXPECT_EQ(seen->escapeButton, "Later");
+    EXPECT_EQ(alerts.runModal({"Orvanta 1.5.0 is Available", "Notes", {"Download Update", "Later"}}), 1);
+    EXPECT_EQ(seen, (QStringList{"Orvanta 1.5.0 is Available", "Notes", "Download Update", "Later",
+                                 "default Download Update", "escape Later", "application modal"}));
 }
 
-TEST(UpdateMessageBoxAlerts, TheFirstButtonIsIndexZero)
+TEST(UpdateMessageBoxAlerts, TheFirstButtonIsIndexZeroAndClosingChoosesTheLast)
 {
     MessageBoxAlerts alerts;
-    DialogWatcher watcher([](QMessageBox* box) { buttonTitled(box, "Descargar")->click(); });
+    bool click = true;
+    DialogWatcher watcher(
+        [&](QMessageBox* box) { click ? buttonTitled(box, "Descargar")->click() : static_cast<void>(box->close()); });
     EXPECT_EQ(alerts.runModal({"m", "i", {"Descargar", "Más tarde"}}), 0);
-}
-
-TEST(UpdateMessageBoxAlerts, ClosingTheWindowChoosesTheLastButton)
-{
-    MessageBoxAlerts alerts;
-    DialogWatcher watcher([](QMessageBox* box) { box->close(); });
+    click = false;
     EXPECT_EQ(alerts.runModal({"m", "i", {"Download", "Later"}}), 1);
     EXPECT_EQ(alerts.runModal({"m", "i", {"OK"}}), 0);
 }
@@ -149,35 +122,29 @@ TEST(UpdateMessageBoxAlerts, ShowsTextsAsTheyAreNotAsMarkup)
 {
     MessageBoxAlerts alerts;
     const QString notes = "<b>Bold</b> <a href=\"https://elsewhere.example\">link</a>";
-    std::optional<Qt::TextFormat> messageFormat;
-    std::optional<Qt::TextFormat> informativeFormat;
+    QList<Qt::TextFormat> formats;
     QString informativeShown;
     DialogWatcher watcher([&](QMessageBox* box) {
-        if (auto* label = box->findChild<QLabel*>("qt_msgbox_label")) {
-            messageFormat = label->textFormat();
-        }
-        if (auto* label = box->findChild<QLabel*>("qt_msgbox_informativelabel")) {
-            informativeFormat = label->textFormat();
-            informativeShown = label->text();
+        for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
+            if (auto* label = box->findChild<QLabel*>(name)) {
+                formats.append(label->textFormat());
+                informativeShown = label->text();
+            }
         }
         box->close();
     });
     alerts.runModal({"<i>Orvanta</i>", notes, {"OK"}});
-    EXPECT_EQ(messageFormat, Qt::PlainText);
-    EXPECT_EQ(informativeFormat, Qt::PlainText);
+    EXPECT_EQ(formats, (QList<Qt::TextFormat>{Qt::PlainText, Qt::PlainText}));
     EXPECT_EQ(informativeShown, notes);
 }
 
 TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
 {
     testing::LoopbackServer server;
-    ASSERT_TRUE(server.listening());
-    const QJsonObject feed{
-        {"version", "1.5.0"}, {"download_url", "https://orvanta.example/get"}, {"release_notes", "Notes"}};
-    auto route = testing::Route::reply(200, QJsonDocument(feed).toJson());
+    auto route = testing::Route::reply(
+        200, R"({"version":"1.5.0","download_url":"https://orvanta.example/get","release_notes":"Notes"})");
     route.holdUntilRequests = 2;
-    server.setRoute("/downloads/orvanta-latest.json", route);
-
+    server.setRoute("/feed.json", route);
     NetworkHttpClient network{HttpLimits{10s}};
     testing::CountingHttpClient http(network);
     MessageBoxAlerts alerts;
@@ -188,9 +155,9 @@ TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
     services.alerts = &alerts;
     services.workspace = &workspace;
     services.bundle = &bundle;
-    update::UpdateChecker checker({}, services, server.url("/downloads/orvanta-latest.json"));
+    update::UpdateChecker checker({}, services, server.url("/feed.json"));
 
-    QList<SeenBox> seen;
+    QList<QStringList> seen;
     DialogWatcher watcher([&](QMessageBox* box) {
         seen.append(describe(box));
         // Download from the user's dialog, Later on the launch dialog.
@@ -199,17 +166,12 @@ TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
     });
     checker.checkForUpdatesAtLaunch();
     checker.checkForUpdates();
-    ASSERT_TRUE(testing::waitUntil([&] { return http.finishedCount() == 2; }, 20s));
-
-    ASSERT_EQ(seen.size(), 2);
-    QStringList firstButtons{seen[0].buttons.value(0), seen[1].buttons.value(0)};
-    firstButtons.sort();
-    EXPECT_EQ(firstButtons, (QStringList{"Download", "Download Update"}));
-    for (const SeenBox& box : seen) {
-        EXPECT_EQ(box.text, "Orvanta 1.5.0 is Available");
-        EXPECT_EQ(box.informativeText, "Notes");
-        EXPECT_EQ(box.modality, Qt::ApplicationModal);
-    }
+    ASSERT_TRUE(testing::runUntil([&] { return http.finishedCount() == 2; }, 20s));
+    std::sort(seen.begin(), seen.end());
+    EXPECT_EQ(seen, (QList<QStringList>{{"Orvanta 1.5.0 is Available", "Notes", "Download", "Later", "default Download",
+                                         "escape Later", "application modal"},
+                                        {"Orvanta 1.5.0 is Available", "Notes", "Download Update", "Later",
+                                         "default Download Update", "escape Later", "application modal"}}));
     EXPECT_EQ(workspace.opened, QList<QUrl>{QUrl("https://orvanta.example/get")});
 }
 
@@ -230,9 +192,9 @@ TEST(UpdateDesktopWorkspace, HandsTheAddressToTheDesktop)
     UrlRecorder recorder;
     QDesktopServices::setUrlHandler("https", &recorder, "open");
     DesktopWorkspace workspace;
-    EXPECT_TRUE(workspace.openUrl(QUrl("https://orvanta.example/downloads/orvanta-1.5.0.tar.gz")));
+    EXPECT_TRUE(workspace.openUrl(QUrl("https://orvanta.example/get")));
     QDesktopServices::unsetUrlHandler("https");
-    EXPECT_EQ(recorder.urls, QList<QUrl>{QUrl("https://orvanta.example/downloads/orvanta-1.5.0.tar.gz")});
+    EXPECT_EQ(recorder.urls, QList<QUrl>{QUrl("https://orvanta.example/get")});
 }
 
 } // namespace

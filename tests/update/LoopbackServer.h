@@ -28,24 +28,19 @@ struct Route
     // A complete response with a correct Content-Length.
     static Route reply(int status, const QByteArray& body,
                        const QByteArray& contentType = QByteArrayLiteral("application/json"));
-    // A redirect to location.
     static Route redirect(const QByteArray& location, int status = 302);
     // A response without Content-Length whose end is the closing of the connection.
     static Route untilClose(const QByteArray& body);
-    static Route silent();
 };
 
 class LoopbackServer : public QObject
 {
 public:
     LoopbackServer();
-    ~LoopbackServer() override;
 
     bool listening() const;
-    quint16 port() const;
     QUrl url(const QString& path) const;
-
-    void setRoute(const QByteArray& path, Route route);
+    void setRoute(const QByteArray& path, Route route) { routes.insert(path, std::move(route)); }
 
     // Paths of the requests read so far, in order.
     const QList<QByteArray>& requests() const { return requestPaths; }
@@ -56,9 +51,7 @@ public:
     void close();
 
 private:
-    void accept();
     void readRequest(QTcpSocket* socket);
-    void release(const QByteArray& path);
     void answer(QTcpSocket* socket, const Route& route);
 
     QTcpServer* server;
