@@ -60,11 +60,8 @@ TEST(StackedDevice, CompositionHasExactlyTheSpecifiedKeysOrderAndTypes)
                        })},
     });
     EXPECT_EQ(composition(sim), expected) << composition(sim).describe();
-}
 
-TEST(StackedDevice, DriftFollowsPositionNotTransport)
-{
-    auto sim = speakersAndBluetooth();
+    // Drift follows the position, not the transport.
     ASSERT_EQ(sim.audio.createStackedDevice("bt", "spk", 0, 0), hal::noErr);
     const auto& members = *composition(sim).find("subdevices")->asArray();
     EXPECT_EQ(*members[0].find("uid")->asString(), "bt");
@@ -146,51 +143,34 @@ TEST(StackedDevice, NegativeStatusesPrintSigned)
     EXPECT_THAT(sim.printed.lines, ElementsAre("❌ Create Error: -10851"));
 }
 
-TEST(StackedDevice, AbsentMemberIsPassedOnAndItsDelayUses48k)
-{
-    auto sim = speakersAndBluetooth();
-    ASSERT_EQ(sim.audio.createStackedDevice("spk", "gone", 0, 5), hal::noErr);
-    const auto& members = *composition(sim).find("subdevices")->asArray();
-    EXPECT_EQ(*members[1].find("uid")->asString(), "gone");
-    EXPECT_EQ(members[1].find("latency-out")->asInteger()->value, 240);
-}
-
-TEST(StackedDevice, SecondaryWithUnreadableRateIsConvertedAt48k)
+TEST(StackedDevice, AnAbsentMemberOrAnUnreadableRateConvertsTheDelayAt48k)
 {
     auto bt = withID(outputDevice("BT", "bt", hal::kAudioDeviceTransportTypeBluetooth, 44100), 92);
     bt.failures.push_back({sim::CallKind::GetPropertyData, hal::kAudioDevicePropertyNominalSampleRate, {}, {}, -1});
     SimAudio sim({withID(outputDevice("Speakers", "spk"), 91), bt});
-    ASSERT_EQ(sim.audio.createStackedDevice("spk", "bt", 0, 150), hal::noErr);
-    const auto& members = *composition(sim).find("subdevices")->asArray();
-    EXPECT_EQ(members[1].find("latency-out")->asInteger()->value, 7200);
+    for (const auto& [member, frames] : {std::pair{"gone", 240}, std::pair{"bt", 240}}) {
+        ASSERT_EQ(sim.audio.createStackedDevice("spk", member, 0, 5), hal::noErr);
+        const auto& members = *composition(sim).find("subdevices")->asArray();
+        EXPECT_EQ(*members[1].find("uid")->asString(), member);
+        EXPECT_EQ(members[1].find("latency-out")->asInteger()->value, frames);
+    }
 }
 
-TEST(StackedDevice, TurningOffWithoutStackedDeviceStillReturnsAudio)
+TEST(StackedDevice, TurningOffRestoresThePrimaryAsDefaultWithOrWithoutAStackedDevice)
 {
     auto sim = speakersAndBluetooth();
     sim.audio.destroyOldStackedDevices();
     sim.audio.returnAudio("spk");
+    sim.audio.returnAudio("gone"); // a vanished device: nothing
     EXPECT_THAT(sim.printed.lines, ElementsAre("Returning audio to: spk"));
     EXPECT_THAT(sim.calls({"set", "destroy"}), ElementsAre("set 1 'dOut' glob 0 [4] 91 -> 0"));
-}
 
-TEST(StackedDevice, TurningOffRestoresThePrimaryAsDefault)
-{
-    auto sim = speakersAndBluetooth();
     ASSERT_EQ(sim.audio.createStackedDevice("bt", "spk", 0, 0), hal::noErr);
     sim.reset();
     sim.audio.destroyOldStackedDevices();
     sim.audio.returnAudio("bt");
     EXPECT_THAT(sim.printed.lines, ElementsAre(kCleanup, "Returning audio to: bt"));
     EXPECT_EQ(sim.system.defaultOutputDevice(), 92u);
-}
-
-TEST(StackedDevice, ReturnAudioToAVanishedDeviceDoesNothing)
-{
-    auto sim = speakersAndBluetooth();
-    sim.audio.returnAudio("gone");
-    EXPECT_THAT(sim.printed.lines, IsEmpty());
-    EXPECT_THAT(sim.calls({"set"}), IsEmpty());
 }
 
 struct FramesCase
@@ -217,21 +197,18 @@ INSTANTIATE_TEST_SUITE_P(Examples, DelayToFrames,
                                            FramesCase{48000, 600, 28800}, FramesCase{96000, 600, 57600},
                                            FramesCase{48000, -5, 0}));
 
-TEST(DelayToFramesLimits, ZeroOrNegativeDelayReadsNoRate)
-{
-    SimAudio sim({outputDevice("Device", "dev")});
-    EXPECT_EQ(sim.audio.delayToFrames("dev", 0), 0u);
-    EXPECT_EQ(sim.audio.delayToFrames("dev", INT_MIN), 0u);
-    EXPECT_THAT(sim.calls(), IsEmpty());
-}
-
-TEST(DelayToFramesLimits, CountsBeyond32BitsSaturate)
+TEST(DelayToFramesLimits, CountsBeyond32BitsSaturateAndNoDelayReadsNoRate)
 {
     SimAudio sim({outputDevice("Device", "dev", hal::kAudioDeviceTransportTypeUSB, 768000),
                   outputDevice("Absurd", "absurd", hal::kAudioDeviceTransportTypeUSB, 1e300)});
     EXPECT_EQ(sim.audio.delayToFrames("dev", INT_MAX), UINT32_MAX);
     EXPECT_EQ(sim.audio.delayToFrames("absurd", 1), UINT32_MAX);
     EXPECT_EQ(sim.audio.delayToFrames("dev", 5592), 4294656u); // still exact below the limit
+    // A delay of zero or less reads no rate.
+    sim.reset();
+    EXPECT_EQ(sim.audio.delayToFrames("dev", 0), 0u);
+    EXPECT_EQ(sim.audio.delayToFrames("dev", INT_MIN), 0u);
+    EXPECT_THAT(sim.calls(), IsEmpty());
 }
 
 } // namespace

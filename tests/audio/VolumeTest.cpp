@@ -90,13 +90,6 @@ TEST(Volume, ChannelTwoIsWrittenWithoutAskingWhetherItExists)
     EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via VolumeScalar for mono: 0.75"));
 }
 
-TEST(Volume, MainElementIsTheThirdChoice)
-{
-    SimAudio sim({mainElement("usb")});
-    sim.audio.setVolume("usb", 0.5f);
-    EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via Master Volume for usb: 0.5"));
-}
-
 TEST(Volume, RefusingEveryControlFallsBackToSoftwareVolume)
 {
     auto stubborn = virtualMain("stubborn", false);
