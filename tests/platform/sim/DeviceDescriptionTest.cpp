@@ -1,3 +1,6 @@
+// A device description comes from outside: whatever it holds, reading it ends quickly, with a
+// description of bounded size or one printable line naming the file and the problem.
+
 #include "sim/DeviceDescription.h"
 
 #include <gtest/gtest.h>
@@ -7,19 +10,42 @@
 #include <fstream>
 #include <variant>
 
+#include <sys/stat.h>
+
 namespace orvanta::sim {
 namespace {
 
-std::string errorOf(const std::string& json)
+std::string errorIn(const DescriptionResult& result)
 {
-    const auto result = parseDeviceDescription(json, "devices.json");
     const auto* error = std::get_if<std::string>(&result);
     return error ? *error : std::string("(no error)");
 }
 
-TEST(DeviceDescription, ReadsEveryField)
+std::string errorOf(const std::string& json, const std::string& source = "devices.json")
 {
-    const auto result = parseDeviceDescription(R"({
+    return errorIn(parseDeviceDescription(json, source));
+}
+
+// The description of one device with the given extra members.
+std::string oneDevice(const std::string& members)
+{
+    return R"({"devices": [{"name": "x", "uid": "x")" + (members.empty() ? "" : ", " + members) + "}]}";
+}
+
+std::string repeated(const std::string& item, long long count)
+{
+    std::string list;
+    for (long long i = 0; i < count; ++i) {
+        list += (i ? "," : "") + item;
+    }
+    return "[" + list + "]";
+}
+
+TEST(DeviceDescription, ReadsEveryFieldFromAFile)
+{
+    QTemporaryDir dir;
+    const std::string path = dir.filePath("devices.json").toStdString();
+    std::ofstream(path) << R"({
         "defaultOutput": "bt",
         "failures": [{"call": "createAggregateDevice", "status": 1852797029}],
         "devices": [
@@ -29,8 +55,8 @@ TEST(DeviceDescription, ReadsEveryField)
            "channelVolumes": [{}, {"writable": false}], "mainVolume": {},
            "failures": [{"call": "getPropertyData", "selector": "nsrt", "scope": "glob", "element": 0,
                          "status": -50}]}
-        ]})",
-                                               "devices.json");
+        ]})";
+    const auto result = loadDeviceDescription(path);
     ASSERT_TRUE(std::holds_alternative<SystemSpec>(result)) << std::get<std::string>(result);
     const auto& spec = std::get<SystemSpec>(result);
     ASSERT_EQ(spec.devices.size(), 2u);
@@ -60,72 +86,98 @@ TEST(DeviceDescription, ReadsEveryField)
     EXPECT_EQ(bt.failures[0].status, -50);
 }
 
-TEST(DeviceDescription, MalformedInputGivesOneLineNamingFileAndProblem)
+TEST(DeviceDescription, EachProblemGivesOneLineNamingFileAndProblemAndEachLimitIsAllowed)
 {
+    const std::string device = R"({"name": "x", "uid": "x"})";
+    const std::string rule = R"({"call": "hasProperty", "status": 1})";
+    const std::string longest(kMaxDescriptionTextBytes, 'n');
     const std::vector<std::pair<std::string, std::string>> cases{
         {"{\"devices\": [", "devices.json: invalid JSON at line 1, column 14: "},
         {"[]", "devices.json: expected a JSON object at the top level"},
         {R"({"devices": {}})", "devices.json: top level.devices: expected an array"},
         {R"({"devices": [{"uid": "x"}]})", "devices.json: devices[0].name: expected a string"},
-        {R"({"devices": [{"name": "x", "uid": "x", "transport": "bluetooth"}]})",
+        {oneDevice(R"("transport": "bluetooth")"),
          "devices.json: devices[0].transport: expected a four-character code such as \"blue\", got \"bluetooth\""},
-        {R"({"devices": [{"name": "x", "uid": "x", "sampleRate": "fast"}]})",
-         "devices.json: devices[0].sampleRate: expected a number"},
-        {R"({"devices": [{"name": "x", "uid": "x", "outputStreams": -1}]})",
+        {oneDevice(R"("sampleRate": "fast")"), "devices.json: devices[0].sampleRate: expected a number"},
+        {oneDevice(R"("outputStreams": -1)"),
          "devices.json: devices[0].outputStreams: expected a whole number in range"},
-        {R"({"devices": [{"name": "x", "uid": "x", "virtualMainVolume": {"level": 2}}]})",
+        {oneDevice(R"("virtualMainVolume": {"level": 2})"),
          "devices.json: devices[0].virtualMainVolume.level: expected a number from 0 to 1"},
-        {R"({"devices": [{"name": "x", "uid": "x", "failures": [{"call": "explode", "status": 1}]}]})",
+        {oneDevice(R"("failures": [{"call": "explode", "status": 1}])"),
          "devices.json: devices[0].failures[0].call: unknown call \"explode\""},
-        {R"({"devices": [{"name": "x", "uid": "x", "colour": "red"}]})",
-         "devices.json: devices[0]: unknown member \"colour\""},
+        {oneDevice(R"("colour": "red")"), "devices.json: devices[0]: unknown member \"colour\""},
         {R"({"devices": [{"name": "a", "uid": "a", "id": 7}, {"name": "b", "uid": "b", "id": 7}]})",
          "devices.json: devices[1].id: ID 7 is used twice"},
         {R"({"devices": [{"name": "a", "uid": "a", "id": 1}]})",
          "devices.json: devices[0].id: IDs 0 and 1 are taken by the system"},
+        // Every count, list and text has a limit.
+        {oneDevice(R"("outputStreams": 4294967295)"), "devices.json: devices[0].outputStreams: more than 64"},
+        {oneDevice(R"("inputStreams": 65)"), "devices.json: devices[0].inputStreams: more than 64"},
+        {oneDevice(R"("outputStreams": 64, "inputStreams": 64)"), "(no error)"},
+        {R"({"devices": )" + repeated(device, kMaxDescriptionDevices + 1) + "}",
+         "devices.json: top level.devices: more than 256 entries"},
+        {R"({"devices": )" + repeated(device, kMaxDescriptionDevices) + "}", "(no error)"},
+        {oneDevice(R"("channelVolumes": )" + repeated("{}", kMaxDescriptionChannels + 1)),
+         "devices.json: devices[0].channelVolumes: more than 64 entries"},
+        {R"({"failures": )" + repeated(rule, kMaxDescriptionFailureRules + 1) + "}",
+         "devices.json: top level.failures: more than 256 entries"},
+        {R"({"devices": [{"name": ")" + longest + R"(", "uid": "x"}]})", "(no error)"},
+        {R"({"devices": [{"name": ")" + longest + R"(n", "uid": "x"}]})",
+         "devices.json: devices[0].name: longer than 1024 bytes"},
     };
     for (const auto& [json, expected] : cases) {
         const auto error = errorOf(json);
-        EXPECT_EQ(error.rfind(expected, 0), 0u) << json << "\n  gave: " << error;
+        EXPECT_EQ(error.rfind(expected, 0), 0u) << json.substr(0, 200) << "\n  gave: " << error;
         EXPECT_EQ(error.find('\n'), std::string::npos) << error;
     }
 }
 
-TEST(DeviceDescription, UnreadableFileIsAnErrorNamingIt)
+TEST(DeviceDescription, OnlyARegularFileOfBoundedSizeIsRead)
 {
-    const auto result = loadDeviceDescription("/nonexistent/devices.json");
-    ASSERT_TRUE(std::holds_alternative<std::string>(result));
-    EXPECT_EQ(std::get<std::string>(result).rfind("/nonexistent/devices.json: cannot read the device description", 0),
-              0u);
-}
-
-TEST(DeviceDescription, LoadsFromAFile)
-{
+    const std::string padded = R"({"devices": [], "defaultOutput": ")" + std::string(kMaxDescriptionBytes, ' ') + "\"}";
+    EXPECT_EQ(errorOf(padded), "devices.json: larger than 1048576 bytes");
     QTemporaryDir dir;
-    const std::string path = dir.filePath("devices.json").toStdString();
-    std::ofstream(path) << R"({"devices": [{"name": "Only", "uid": "only"}]})";
-    const auto result = loadDeviceDescription(path);
-    ASSERT_TRUE(std::holds_alternative<SystemSpec>(result));
-    EXPECT_EQ(std::get<SystemSpec>(result).devices.at(0).uid, "only");
+    const std::string path = dir.filePath("large.json").toStdString();
+    std::ofstream(path) << padded;
+    EXPECT_EQ(errorIn(loadDeviceDescription(path)),
+              path + ": cannot read the device description: larger than 1048576 bytes");
+    EXPECT_EQ(errorIn(loadDeviceDescription("/nonexistent/devices.json"))
+                  .rfind("/nonexistent/devices.json: cannot read the device description", 0),
+              0u);
+    // A FIFO with no writer would block a plain open() forever.
+    const std::string fifo = dir.filePath("devices.fifo").toStdString();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    for (const std::string& special : {std::string("/dev/zero"), dir.path().toStdString(), fifo}) {
+        EXPECT_EQ(errorIn(loadDeviceDescription(special)),
+                  special + ": cannot read the device description: not a regular file");
+    }
 }
 
-TEST(DeviceDescription, BuiltInSetHasTheSixKindsOfDevice)
+TEST(DeviceDescription, ControlCharactersFromTheDocumentAreEscapedInTheLine)
 {
-    const auto spec = builtinDeviceDescription();
-    ASSERT_EQ(spec.devices.size(), 6u);
-    const auto& speakers = spec.devices[0];
-    EXPECT_EQ(speakers.nominalSampleRate, 48000.0);
-    EXPECT_TRUE(speakers.virtualMainVolume.present);
-    const auto& bluetooth = spec.devices[1];
-    EXPECT_EQ(bluetooth.transportType, hal::kAudioDeviceTransportTypeBluetooth);
-    EXPECT_EQ(bluetooth.nominalSampleRate, 44100.0);
-    EXPECT_FALSE(bluetooth.virtualMainVolume.present);
-    EXPECT_EQ(bluetooth.channelVolumes.size(), 2u);
-    EXPECT_EQ(spec.devices[2].transportType, hal::kAudioDeviceTransportTypeBluetoothLE);
-    EXPECT_EQ(spec.devices[3].inputStreams, 1u);
-    EXPECT_EQ(spec.devices[4].outputStreams, 0u);
-    const auto& hdmi = spec.devices[5];
-    EXPECT_FALSE(hdmi.virtualMainVolume.present || hdmi.mainVolume.present || !hdmi.channelVolumes.empty());
+    EXPECT_EQ(errorOf(oneDevice(R"("a\nb\u001b[31m": 1)")),
+              R"(devices.json: devices[0]: unknown member "a\nb\x1b[31m")");
+    EXPECT_EQ(errorOf(oneDevice(R"("transport": "\u009b2J\t")")),
+              R"(devices.json: devices[0].transport: expected a four-character code such as "blue", got "\u009b2J\t")");
+    EXPECT_EQ(errorOf(R"({"devices": [{"name": "x", "uid": "x", "failures": [{"call": "x\r\u0007", "status": 1}]}]})"),
+              R"(devices.json: devices[0].failures[0].call: unknown call "x\r\x07")");
+    EXPECT_EQ(errorOf("[]", "new\nline\x1b.json"), R"(new\nline\x1b.json: expected a JSON object at the top level)");
+}
+
+TEST(DeviceDescription, ALongTextFromTheDocumentIsCutInTheLine)
+{
+    const std::string error = errorOf(oneDevice("\"" + std::string(100000, 'k') + "\": 1"));
+    EXPECT_EQ(error, "devices.json: devices[0]: unknown member \"" + std::string(80, 'k') + "...\"");
+    // Cut at a character boundary: "e" and then two-byte characters, so byte 80 is inside one.
+    std::string accents;
+    std::string expected = "e";
+    for (int i = 0; i < 200; ++i) {
+        accents += "\xc3\xa9";
+        expected += i < 39 ? "\xc3\xa9" : "";
+    }
+    EXPECT_EQ(errorOf(oneDevice(R"("transport": "e)" + accents + "\"")),
+              "devices.json: devices[0].transport: expected a four-character code such as \"blue\", got \"" + expected +
+                  "...\"");
 }
 
 } // namespace

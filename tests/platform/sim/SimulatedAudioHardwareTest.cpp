@@ -125,18 +125,16 @@ TEST_F(SimulatedSystem, AggregateSubDevicesCarryMemberUIDsAndTakeExtraLatency)
     EXPECT_EQ(readUID(subs[0]), "(" + std::to_string(kAudioHardwareBadObjectError) + ")");
 }
 
-TEST_F(SimulatedSystem, CreationNeedsAUIDAndDestructionAnAggregate)
-{
-    AudioObjectID id = 0;
-    EXPECT_EQ(system.createAggregateDevice(PropertyList::dictionary({}), id), kAudioHardwareIllegalOperationError);
-    EXPECT_EQ(system.createAggregateDevice(PropertyList::string("stacked"), id), kAudioHardwareIllegalOperationError);
-    EXPECT_EQ(id, 0u);
-    EXPECT_EQ(system.destroyAggregateDevice(10), kAudioHardwareIllegalOperationError);
-}
-
-TEST_F(SimulatedSystem, DestroyingTheDefaultOutputHandsItToAnotherDevice)
+TEST_F(SimulatedSystem, CreationNeedsAUIDAndDestroyingTheDefaultOutputHandsItToAnotherDevice)
 {
     AudioObjectID aggregate = 0;
+    EXPECT_EQ(system.createAggregateDevice(PropertyList::dictionary({}), aggregate),
+              kAudioHardwareIllegalOperationError);
+    EXPECT_EQ(system.createAggregateDevice(PropertyList::string("stacked"), aggregate),
+              kAudioHardwareIllegalOperationError);
+    EXPECT_EQ(aggregate, 0u);
+    EXPECT_EQ(system.destroyAggregateDevice(10), kAudioHardwareIllegalOperationError);
+
     ASSERT_EQ(system.createAggregateDevice(stacked({{"a", 0}}), aggregate), noErr);
     ASSERT_EQ(system.setPropertyData(1, kDefaultOutputDevice.address(), 0, nullptr, sizeof aggregate, &aggregate),
               noErr);
@@ -144,13 +142,18 @@ TEST_F(SimulatedSystem, DestroyingTheDefaultOutputHandsItToAnotherDevice)
     EXPECT_EQ(system.defaultOutputDevice(), 10u);
 }
 
-TEST_F(SimulatedSystem, ArrayReadsAreCutToTheBuffer)
+TEST_F(SimulatedSystem, ArrayReadsAreCutToTheBufferAndFailedReadsLeaveItAlone)
 {
     AudioObjectID ids[1] = {};
     UInt32 size = sizeof ids;
     ASSERT_EQ(system.getPropertyData(1, kDevices.address(), 0, nullptr, size, ids), noErr);
     EXPECT_EQ(size, 4u);
     EXPECT_EQ(ids[0], 10u);
+
+    system.addFailure(std::nullopt, {CallKind::GetPropertyData, kAudioDevicePropertyNominalSampleRate, {}, {}, -1});
+    Float64 rate = 12345.0;
+    EXPECT_EQ(read(10, kNominalSampleRate, sizeof rate, &rate), -1);
+    EXPECT_EQ(rate, 12345.0);
 }
 
 TEST_F(SimulatedSystem, InjectedFailuresHitExactlyTheChosenCalls)
@@ -168,14 +171,6 @@ TEST_F(SimulatedSystem, InjectedFailuresHitExactlyTheChosenCalls)
     EXPECT_FALSE(system.hasProperty(10, kDeviceUID.address()));
     EXPECT_TRUE(system.hasProperty(10, kDeviceUID.address()));
     EXPECT_EQ(system.calls().back().toString(), "has 10 'uid ' glob 0 -> true");
-}
-
-TEST_F(SimulatedSystem, FailedReadsLeaveTheCallersBufferAlone)
-{
-    system.addFailure(std::nullopt, {CallKind::GetPropertyData, kAudioDevicePropertyNominalSampleRate, {}, {}, -1});
-    Float64 rate = 12345.0;
-    EXPECT_EQ(read(10, kNominalSampleRate, sizeof rate, &rate), -1);
-    EXPECT_EQ(rate, 12345.0);
 }
 
 } // namespace
