@@ -1,5 +1,6 @@
 // The volume keys on a real X display: pressed with xdotool, taken by the tap, and moving both
-// simulated devices; and trust that follows whether another client holds the keys.
+// simulated devices; trust that follows whether another client holds the keys; and the program
+// itself quitting while it holds them.
 
 #include "support/EventLoop.h"
 #include "support/StateFixture.h"
@@ -10,9 +11,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
+#include <QTemporaryDir>
 
 namespace orvanta::testing {
 namespace {
@@ -41,7 +44,8 @@ public:
     {
         process.start(ORVANTA_GRAB_HOLDER, QStringList{});
         process.waitForReadyRead(5000);
-        held = process.readAllStandardOutput().startsWith("held");
+        said = process.readAllStandardOutput();
+        held = said.startsWith("held");
     }
     ~Holder() { release(); }
     void release()
@@ -49,6 +53,7 @@ public:
         process.closeWriteChannel();
         process.waitForFinished(3000);
     }
+    QByteArray said; // "held", or "refused" when another client has the keys
     bool held = false;
 
 private:
@@ -145,11 +150,8 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGo)
             x11MediaKeys->start();
         }
     });
-    QElapsedTimer clock;
-    clock.start();
     holder.reset();
     ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
-    EXPECT_LE(clock.elapsed(), 1600);
     ASSERT_TRUE(x11MediaKeys->hasTap());
     press("XF86AudioRaiseVolume");
     EXPECT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
@@ -189,22 +191,61 @@ TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandles
     EXPECT_FALSE(simulated.canPromptForTrust());
 }
 
-TEST(ShortcutSettings, EachDesktopOpensItsOwnKeyboardSettings)
+TEST(ShortcutSettings, EachDesktopOpensItsOwnKeyboardSettingsAndKnownDesktopsHandleTheVolumeKeys)
 {
     EXPECT_EQ(x11::shortcutSettingsCommand("ubuntu:GNOME"), (QStringList{"gnome-control-center", "keyboard"}));
     EXPECT_EQ(x11::shortcutSettingsCommand("KDE"), (QStringList{"systemsettings", "kcm_keys"}));
     EXPECT_EQ(x11::shortcutSettingsCommand("XFCE"), QStringList{"xfce4-keyboard-settings"});
     EXPECT_TRUE(x11::shortcutSettingsCommand("").isEmpty());
-}
-
-TEST(ShortcutSettings, KnownDesktopsHandleTheVolumeKeysABareWindowManagerDoesNot)
-{
-    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("ubuntu:GNOME"));
-    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("KDE"));
-    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("XFCE"));
-    EXPECT_TRUE(x11::desktopHandlesVolumeKeys("X-Cinnamon"));
+    for (const char* desktop : {"ubuntu:GNOME", "KDE", "XFCE", "X-Cinnamon"}) {
+        EXPECT_TRUE(x11::desktopHandlesVolumeKeys(desktop)) << desktop;
+    }
     EXPECT_FALSE(x11::desktopHandlesVolumeKeys("sway"));
     EXPECT_FALSE(x11::desktopHandlesVolumeKeys(""));
+}
+
+TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
+{
+    // Sync comes back at start on two of the built-in simulated devices, and the keys are grabbed.
+    QTemporaryDir home;
+    ASSERT_TRUE(QDir(home.path()).mkpath("config/orvanta") && QDir(home.path()).mkpath("runtime"));
+    QFile::setPermissions(home.filePath("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile settings(home.filePath("config/orvanta/settings.json"));
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+    settings.write(R"({"restoreSyncAtStart": true, "restoreSyncDevices": {
+        "primary": "alsa_output.pci-0000_00_1f.3.analog-stereo", "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})");
+    settings.close();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_RUNTIME_DIR", home.filePath("runtime"));
+    environment.insert("XDG_CONFIG_HOME", home.filePath("config"));
+    environment.insert("ORVANTA_AUDIO", "simulated");
+    environment.remove("XDG_SESSION_TYPE");
+    // With a session bus of its own, as in a desktop session: without one, Qt's D-Bus thread
+    // leaves a buffer of libdbus behind at exit that is no leak of the program's.
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start("dbus-run-session", {"--", QStringLiteral(ORVANTA_PROGRAM)});
+    QByteArray output;
+    ASSERT_TRUE(runUntil(
+        [&] {
+            output += program.readAllStandardOutput();
+            return output.contains("Sync Device Created!") || program.state() == QProcess::NotRunning;
+        },
+        std::chrono::seconds(60)));
+    ASSERT_TRUE(output.contains("Sync Device Created!")) << output.toStdString();
+    // The keys are the program's: another client cannot have them.
+    EXPECT_TRUE(runUntil([] { return Holder().said == "refused\n"; }, std::chrono::seconds(10)));
+
+    // The main window's Quit shortcut, as a user would press it.
+    QProcess::execute("xdotool", {"search", "--sync", "--onlyvisible", "--class", "orvanta", "windowfocus", "--sync"});
+    press("ctrl+q");
+    ASSERT_TRUE(runUntil([&] { return program.state() == QProcess::NotRunning; }, std::chrono::seconds(60)));
+    const QByteArray errors = program.readAllStandardError();
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit) << errors.toStdString();
+    EXPECT_EQ(program.exitCode(), 0) << errors.toStdString();
+    for (const char* report : {"AddressSanitizer", "LeakSanitizer", "runtime error:"}) {
+        EXPECT_FALSE(errors.contains(report)) << errors.toStdString();
+    }
 }
 
 } // namespace
