@@ -115,25 +115,6 @@ TEST_F(SettingsFile, AFifoInPlaceOfTheFileDoesNotBlockTheStart)
     EXPECT_THAT(lines, ElementsAre(path + ": cannot read the settings (not a regular file); starting with defaults"));
 }
 
-TEST_F(SettingsFile, AWriteThatCannotBeDoneIsReportedAndLeavesTheFile)
-{
-    put("settings.json", "{\"a\": 1}");
-    auto defaults = open();
-    std::vector<bool> outcomes;
-    defaults.setSaveObserver([&outcomes](bool saved) { outcomes.push_back(saved); });
-    // A folder that does not take new files: every temporary file is refused.
-    ASSERT_EQ(::chmod(QFile::encodeName(dir.path()).constData(), 0500), 0);
-    if (::geteuid() == 0) {
-        ::chmod(QFile::encodeName(dir.path()).constData(), 0700);
-        GTEST_SKIP() << "root writes to read-only folders; the full-disk tests cover root";
-    }
-    defaults.setValue("a", 2);
-    ::chmod(QFile::encodeName(dir.path()).constData(), 0700);
-    EXPECT_EQ(contentOf("settings.json"), "{\"a\": 1}");
-    EXPECT_THAT(lines, ElementsAre(path + ": cannot save the settings: Permission denied"));
-    EXPECT_EQ(outcomes, std::vector<bool>{false});
-}
-
 TEST_F(SettingsFile, ANewFileIsReadableByAllAndAReplacedOneKeepsItsPermissions)
 {
     open().setValue("a", 1);
