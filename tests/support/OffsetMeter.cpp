@@ -14,7 +14,6 @@ namespace {
 
 constexpr float kClickAmplitude = 0.7f;
 constexpr float kClickThreshold = 0.25f;
-constexpr long kClickQuietFrames = kMeterRate / 10; // a click follows at least 100 ms of quiet
 constexpr float kToneAmplitude = 0.5f;
 constexpr qint64 kSettleFrames = kMeterRate / 5;
 constexpr long kPlayerStartFrames = kMeterRate / 5;
@@ -159,16 +158,17 @@ bool Player::waitUntilDone()
     return running && process.waitForFinished(30000) && process.exitCode() == 0;
 }
 
-std::vector<long> clickOnsets(const Samples& recording, int channel)
+std::vector<long> clickOnsets(const Samples& recording, int channel, int channels, long quietFrames)
 {
     std::vector<long> onsets;
-    long quiet = kClickQuietFrames;
-    for (long frame = 0; frame < frameCount(recording); ++frame) {
-        if (std::abs(sampleAt(recording, frame, channel)) <= kClickThreshold) {
+    long quiet = quietFrames;
+    const auto frames = static_cast<long>(recording.size()) / channels;
+    for (long frame = 0; frame < frames; ++frame) {
+        if (std::abs(recording[static_cast<std::size_t>(frame * channels + channel)]) <= kClickThreshold) {
             ++quiet;
             continue;
         }
-        if (quiet >= kClickQuietFrames) {
+        if (quiet >= quietFrames) {
             onsets.push_back(frame);
         }
         quiet = 0;

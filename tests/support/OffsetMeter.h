@@ -64,8 +64,10 @@ private:
     bool running = false;
 };
 
-// The first frame of every click on a recording's channel.
-std::vector<long> clickOnsets(const Samples& recording, int channel);
+// The first frame of every click on a recording's channel: louder than a quarter of full scale,
+// after at least quietFrames of quiet.
+std::vector<long> clickOnsets(const Samples& recording, int channel, int channels = kMeterChannels,
+                              long quietFrames = kMeterRate / 10);
 
 // How a steady tone came through on a channel, from its first sound to its last.
 struct ToneCheck

@@ -16,27 +16,6 @@ namespace {
 constexpr float kNoiseRms = 0.003f;
 // Long enough for any one test; a test that runs longer measures in the quiet.
 constexpr double kNoiseSeconds = 60.0;
-constexpr float kClickThreshold = 0.25f;
-
-// The first frame of every click in a mono recording: louder than the noise by far, after at
-// least 50 ms of quiet.
-std::vector<long> monoClickOnsets(const std::vector<float>& samples)
-{
-    std::vector<long> onsets;
-    long quiet = kMeterRate;
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        if (std::abs(samples[i]) <= kClickThreshold) {
-            ++quiet;
-            continue;
-        }
-        if (quiet >= kMeterRate / 20) {
-            onsets.push_back(static_cast<long>(i));
-        }
-        quiet = 0;
-    }
-    return onsets;
-}
-
 } // namespace
 
 Samples roomNoise(double seconds)
@@ -99,9 +78,10 @@ std::optional<double> SimulatedRoom::clickLatenessMs(int holdBackMs) const
     recorder.terminate();
     recorder.waitForFinished(3000);
     const QByteArray bytes = file.readAll();
-    std::vector<float> samples(static_cast<std::size_t>(bytes.size()) / sizeof(float));
+    Samples samples(static_cast<std::size_t>(bytes.size()) / sizeof(float));
     std::memcpy(samples.data(), bytes.constData(), samples.size() * sizeof(float));
-    const auto onsets = monoClickOnsets(samples);
+    // The two clicks are apart by the hold-back: 50 ms of quiet before each is enough.
+    const auto onsets = clickOnsets(samples, 0, 1, kMeterRate / 20);
     if (!played || onsets.size() != 2) {
         return std::nullopt;
     }

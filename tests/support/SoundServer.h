@@ -42,7 +42,6 @@ public:
     QString pactl(const QStringList& arguments) const;
     // Loads a module with pactl, one argument per entry; gives its index, or -1.
     long long loadModule(const QString& name, const QStringList& arguments) const;
-    QString runtimeDirectory() const { return runtime.path(); }
     QString serverAddress() const;
     Kind kind() const { return serverKind; }
     static const char* name(Kind kind);
