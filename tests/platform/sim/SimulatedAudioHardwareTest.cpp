@@ -156,22 +156,5 @@ TEST_F(SimulatedSystem, ArrayReadsAreCutToTheBufferAndFailedReadsLeaveItAlone)
     EXPECT_EQ(rate, 12345.0);
 }
 
-TEST_F(SimulatedSystem, InjectedFailuresHitExactlyTheChosenCalls)
-{
-    system.addFailure(11, {CallKind::GetPropertyData, kAudioDevicePropertyDeviceUID, {}, {}, -7});
-    EXPECT_EQ(readUID(10), "a");
-    EXPECT_EQ(readUID(11), "(-7)");
-
-    system.failNthCallFromNow(2, -9);
-    EXPECT_EQ(readUID(10), "a");
-    EXPECT_EQ(readUID(10), "(-9)");
-    EXPECT_EQ(readUID(10), "a");
-
-    system.failNthCallFromNow(1, -3);
-    EXPECT_FALSE(system.hasProperty(10, kDeviceUID.address()));
-    EXPECT_TRUE(system.hasProperty(10, kDeviceUID.address()));
-    EXPECT_EQ(system.calls().back().toString(), "has 10 'uid ' glob 0 -> true");
-}
-
 } // namespace
 } // namespace orvanta::sim
