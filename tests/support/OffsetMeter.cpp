@@ -104,7 +104,7 @@ Samples toneTrack(double seconds)
     return samples;
 }
 
-Recorder::Recorder(const SoundServer& server)
+Recorder::Recorder(const SoundServer& server, const QString& source, int channels) : channelCount(channels)
 {
     // Straight into a file: a pipe that nobody reads while the test waits would stall it.
     if (!file.open()) {
@@ -112,9 +112,18 @@ Recorder::Recorder(const SoundServer& server)
     }
     process.setProcessEnvironment(environmentFor(server));
     process.setStandardOutputFile(file.fileName());
-    process.start("parec",
-                  {"-d", "hw.monitor", "--raw", "--format=float32le", "--rate=48000",
-                   "--channels=" + QString::number(kMeterChannels), "--latency-msec=20", kSixChannels, kStayOnTarget});
+    QStringList arguments{"-d",
+                          source,
+                          "--raw",
+                          "--format=float32le",
+                          "--rate=48000",
+                          "--channels=" + QString::number(channels),
+                          "--latency-msec=20",
+                          kStayOnTarget};
+    if (channels == kMeterChannels) {
+        arguments.append(kSixChannels);
+    }
+    process.start("parec", arguments);
     running = process.waitForStarted(5000);
     // The stream starts before the first sound it has to catch.
     QThread::msleep(kSettleFrames * 1000 / kMeterRate + 100);
@@ -133,9 +142,9 @@ Samples Recorder::stop(int tailMs)
     }
     // A new stream may begin with what the sink played just before it: drop its first moments,
     // which the wait at the start keeps clear of anything a test plays.
-    const qint64 frameBytes = static_cast<qint64>(sizeof(float)) * kMeterChannels;
+    const qint64 frameBytes = static_cast<qint64>(sizeof(float)) * channelCount;
     const QByteArray bytes = file.readAll().mid(kSettleFrames * frameBytes);
-    const auto whole = static_cast<std::size_t>(bytes.size() / frameBytes) * kMeterChannels;
+    const auto whole = static_cast<std::size_t>(bytes.size() / frameBytes) * static_cast<std::size_t>(channelCount);
     Samples samples(whole);
     std::memcpy(samples.data(), bytes.constData(), whole * sizeof(float));
     return samples;

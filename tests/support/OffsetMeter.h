@@ -35,11 +35,11 @@ Samples clickTrack(double seconds, const std::vector<double>& clickTimes);
 // A 440 Hz tone at half scale, faded in and out over 10 ms so that its ends are no clicks.
 Samples toneTrack(double seconds);
 
-// Records hw's monitor from construction until stop().
+// Records a source, hw's monitor unless told otherwise, from construction until stop().
 class Recorder
 {
 public:
-    explicit Recorder(const SoundServer& server);
+    explicit Recorder(const SoundServer& server, const QString& source = "hw.monitor", int channels = kMeterChannels);
     bool started() const { return running; }
     // Keeps recording for tailMs more, then gives everything recorded.
     Samples stop(int tailMs);
@@ -47,6 +47,7 @@ public:
 private:
     QTemporaryFile file;
     QProcess process;
+    int channelCount;
     bool running = false;
 };
 

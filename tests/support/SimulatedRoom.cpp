@@ -1,11 +1,6 @@
 #include "SimulatedRoom.h"
 
 #include <QProcess>
-#include <QTemporaryFile>
-#include <QThread>
-
-#include <cmath>
-#include <cstring>
 
 #include <random>
 
@@ -57,31 +52,11 @@ bool SimulatedRoom::build(int primaryMs, int secondaryMs)
 
 std::optional<double> SimulatedRoom::clickLatenessMs(int holdBackMs) const
 {
-    QTemporaryFile file;
-    if (!file.open()) {
-        return std::nullopt;
-    }
-    QProcess recorder;
-    auto env = QProcessEnvironment::systemEnvironment();
-    env.insert("PULSE_SERVER", server.serverAddress());
-    recorder.setProcessEnvironment(env);
-    recorder.setStandardOutputFile(file.fileName());
-    recorder.start("parec", {"-d", kRoomMicrophone, "--raw", "--format=float32le", "--rate=48000", "--channels=1",
-                             "--latency-msec=20", "--property=node.dont-reconnect=true"});
-    if (!recorder.waitForStarted(5000)) {
-        return std::nullopt;
-    }
-    QThread::msleep(300);
+    Recorder recorder(server, kRoomMicrophone, 1);
     Player player(server, clickTrack(1.0, {0.3}));
-    const bool played = player.waitUntilDone();
-    QThread::msleep(static_cast<unsigned long>(holdBackMs + 1000));
-    recorder.terminate();
-    recorder.waitForFinished(3000);
-    const QByteArray bytes = file.readAll();
-    Samples samples(static_cast<std::size_t>(bytes.size()) / sizeof(float));
-    std::memcpy(samples.data(), bytes.constData(), samples.size() * sizeof(float));
+    const bool played = recorder.started() && player.waitUntilDone();
     // The two clicks are apart by the hold-back: 50 ms of quiet before each is enough.
-    const auto onsets = clickOnsets(samples, 0, 1, kMeterRate / 20);
+    const auto onsets = clickOnsets(recorder.stop(holdBackMs + 1000), 0, 1, kMeterRate / 20);
     if (!played || onsets.size() != 2) {
         return std::nullopt;
     }
