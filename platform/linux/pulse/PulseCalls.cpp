@@ -10,6 +10,13 @@ void logFailure(pa_context* context, const char* call)
     qCWarning(lcOrvantaSound, "%s() failed: %s", call, reason);
 }
 
+void logFailedList(pa_context* context, int eol, const char* call)
+{
+    if (eol < 0 && pa_context_errno(context) != PA_ERR_NOENTITY) {
+        logFailure(context, call);
+    }
+}
+
 Operation started(pa_context* context, pa_operation* operation, const char* call)
 {
     if (!operation) {

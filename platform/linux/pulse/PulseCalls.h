@@ -27,6 +27,9 @@ using ThreadedLoop = std::unique_ptr<pa_threaded_mainloop, Releaser<&pa_threaded
 // Logs "call() failed: reason", the reason being the context's last error.
 void logFailure(pa_context* context, const char* call);
 
+// For the end of an info reply (eol): logs a failed request, but not an object that was gone.
+void logFailedList(pa_context* context, int eol, const char* call);
+
 // Takes what a call that starts an operation gave; a call that gave none is logged as failed.
 Operation started(pa_context* context, pa_operation* operation, const char* call);
 

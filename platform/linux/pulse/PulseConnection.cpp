@@ -90,7 +90,7 @@ void PulseConnection::connectContext()
     pa_context_set_state_callback(context.get(), &PulseConnection::onContextState, this);
     setState(State::Connecting);
     if (pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
-        logFailure(context.get(), "pa_context_connect");
+        logLostConnection();
         setState(State::Disconnected);
         scheduleReconnect();
     }
@@ -188,15 +188,25 @@ void PulseConnection::restore()
             "pa_context_set_default_sink");
 }
 
+// Once per loss, not at every try to reconnect while the server is away.
+void PulseConnection::logLostConnection()
+{
+    if (!connectionLossLogged) {
+        logFailure(context.get(), "pa_context_connect");
+        connectionLossLogged = true;
+    }
+}
+
 void PulseConnection::onContextState(pa_context* context, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     switch (pa_context_get_state(context)) {
     case PA_CONTEXT_READY:
+        connection->connectionLossLogged = false;
         connection->requestInitialState();
         break;
     case PA_CONTEXT_FAILED:
-        logFailure(context, "pa_context_connect");
+        connection->logLostConnection();
         [[fallthrough]];
     case PA_CONTEXT_TERMINATED:
         // Everything the server had is gone with it; reads now see no devices.
@@ -295,7 +305,7 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
     }
 }
 
-void PulseConnection::onSinkInfo(pa_context*, const pa_sink_info* info, int eol, void* self)
+void PulseConnection::onSinkInfo(pa_context* context, const pa_sink_info* info, int eol, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
@@ -305,6 +315,7 @@ void PulseConnection::onSinkInfo(pa_context*, const pa_sink_info* info, int eol,
             connection->reattach(info->name);
         }
     } else if (eol != 0) {
+        logFailedList(context, eol, "pa_context_get_sink_info");
         connection->finishInitialRequest();
     }
 }
@@ -328,22 +339,24 @@ void PulseConnection::reattach(const std::string& sinkName)
     }
 }
 
-void PulseConnection::onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* self)
+void PulseConnection::onSourceInfo(pa_context* context, const pa_source_info* info, int eol, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
         connection->mirror.update(*info);
     } else if (eol != 0) {
+        logFailedList(context, eol, "pa_context_get_source_info");
         connection->finishInitialRequest();
     }
 }
 
-void PulseConnection::onModuleInfo(pa_context*, const pa_module_info* info, int eol, void* self)
+void PulseConnection::onModuleInfo(pa_context* context, const pa_module_info* info, int eol, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
         connection->mirror.update(*info);
     } else if (eol != 0) {
+        logFailedList(context, eol, "pa_context_get_module_info");
         connection->finishInitialRequest();
     }
 }
@@ -692,7 +705,7 @@ void PulseConnection::onHeldModule(pa_context* context, const pa_module_info* in
         connection->heldModules.push_back(
             {info->index, info->name ? info->name : "", info->argument ? info->argument : ""});
     } else if (eol < 0) {
-        logFailure(context, "pa_context_get_module_info_list");
+        logFailedList(context, eol, "pa_context_get_module_info_list");
     } else {
         connection->reconcile();
     }

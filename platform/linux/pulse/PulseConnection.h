@@ -128,6 +128,7 @@ private:
     void requestInitialState();
     void finishInitialRequest();
     void scheduleReconnect();
+    void logLostConnection();
     void restore();
     void reattach(const std::string& sinkName);
     void loadModuleAsync(const std::string& name, const std::string& arguments);
@@ -154,6 +155,7 @@ private:
     PulseMirror mirror;
     int initialRequests = 0;
     bool everReady = false;
+    bool connectionLossLogged = false;
     RestorePlan restorePlan;
     std::uint64_t contextGeneration = 0;
     std::vector<std::unique_ptr<DelayedUnload>> delayedUnloads;
