@@ -602,10 +602,10 @@ OSStatus PulseAudioHardware::setExtraLatency(const std::string& stacked, const s
 }
 
 // Every member whose loopback latency changes gets a new loopback first; the old one is
-// unloaded once the new one plays, so the sound never stops. While the server is away, only the
-// plan changes. A member has at most one loopback
+// unloaded once the new one plays, so the sound never stops. A member has at most one loopback
 // waiting to take over: a newer change drops a successor that has not taken over yet and keeps
-// the one that plays until the newest successor does.
+// the one that plays until the newest successor does. While the server is away, only the plan
+// changes.
 OSStatus PulseAudioHardware::retime(const std::string& stackedName, const DeclaredLatencies& declared)
 {
     const auto plan = loopbackLatencies(declared);
