@@ -1,6 +1,7 @@
 #include "PipeWireAudioHardware.h"
 
 #include "AggregateDescription.h"
+#include "LoopbackPlan.h"
 #include "PulseObjects.h"
 #include "hal/PropertyTable.h"
 #include "hal/PropertyValue.h"
@@ -59,6 +60,11 @@ bool PipeWireAudioHardware::isStackedSink(AudioObjectID objectID)
     });
 }
 
+bool PipeWireAudioHardware::serverAway()
+{
+    return node && connection().state() != pulse::PulseConnection::State::Ready;
+}
+
 std::optional<std::string> PipeWireAudioHardware::memberOf(AudioObjectID objectID) const
 {
     if (!node || objectID < kMemberBase || objectID - kMemberBase >= node->memberUIDs().size()) {
@@ -89,11 +95,26 @@ PipeWireAudioHardware::readStacked(AudioObjectID objectID, const AudioObjectProp
         }
         return ReadResult{kAudioHardwareUnknownPropertyError};
     }
-    if (matches(kActiveSubDeviceList, address) && isStackedSink(objectID)) {
+    // While the server is away the node is still listed: it plays again when the server returns,
+    // and may be taken down or given new delays before that.
+    const bool away = serverAway();
+    if (objectID == kAudioObjectSystemObject && matches(kDevices, address) && away) {
+        auto devices = server.serverDevices();
+        devices.push_back(pulse::PulseAudioHardware::kPlannedBase);
+        return ReadResult{PropertyValue{devices}};
+    }
+    if (objectID == pulse::PulseAudioHardware::kPlannedBase && away && !matches(kActiveSubDeviceList, address)) {
+        if (matches(kDeviceUID, address)) {
+            return ReadResult{PropertyValue{node->name()}};
+        }
+        return ReadResult{kAudioHardwareUnknownPropertyError};
+    }
+    if (matches(kActiveSubDeviceList, address) &&
+        (isStackedSink(objectID) || (away && objectID == pulse::PulseAudioHardware::kPlannedBase))) {
         // The members whose sink is there, as an aggregate lists its active sub-devices.
         std::vector<AudioObjectID> active;
         for (std::size_t i = 0; i < node->memberUIDs().size(); ++i) {
-            const bool present = connection().withMirror([&](const pulse::PulseMirror& mirror) {
+            const bool present = away || connection().withMirror([&](const pulse::PulseMirror& mirror) {
                 return pulse::sinkNamed(mirror, node->memberUIDs()[i]) != nullptr;
             });
             if (present) {
@@ -170,15 +191,10 @@ OSStatus PipeWireAudioHardware::setDeclared(const std::string& uid, double frame
     return noErr;
 }
 
-// Every member waits for the one that declares the most.
 void PipeWireAudioHardware::applyHoldBacks()
 {
-    double latest = 0.0;
-    for (const auto& [uid, ms] : declaredMs) {
-        latest = std::max(latest, ms);
-    }
-    for (const auto& [uid, ms] : declaredMs) {
-        node->setHoldBack(uid, framesAtLineRate(latest - ms));
+    for (const auto& [uid, ms] : pulse::holdBacks(declaredMs)) {
+        node->setHoldBack(uid, framesAtLineRate(ms));
     }
 }
 
@@ -235,6 +251,10 @@ void PipeWireAudioHardware::destroyNode()
 
 OSStatus PipeWireAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
 {
+    if (deviceID == pulse::PulseAudioHardware::kPlannedBase && serverAway()) {
+        destroyNode();
+        return noErr;
+    }
     if (!isStackedSink(deviceID)) {
         // Not ours: a stacked sink left by the loopback design, or no stacked device at all.
         return server.destroyAggregateDevice(deviceID);

@@ -6,7 +6,9 @@
 // sink like any other. Its members are sub-device objects that carry their UID and their
 // declared extra latency; each member's hold-back is worked out from those latencies: a member
 // that declares more makes the others wait for it. A stacked sink left over from the loopback
-// design is still recognised and removed.
+// design is still recognised and removed. While the pulse server is away the node is still
+// listed (as PulseAudioHardware lists a stacked device it will rebuild), so that taking it down or
+// changing a delay then is what holds when the server returns.
 
 #include "PipeWireLoop.h"
 #include "PulseAudioHardware.h"
@@ -52,6 +54,7 @@ private:
     // The stacked device's own properties, or nothing when the server answers for the object.
     std::optional<ReadResult> readStacked(hal::AudioObjectID objectID, const hal::AudioObjectPropertyAddress& address);
     bool isStackedSink(hal::AudioObjectID objectID);
+    bool serverAway();
     std::optional<std::string> memberOf(hal::AudioObjectID objectID) const;
     double rateOf(const std::string& uid);
     hal::OSStatus setDeclared(const std::string& uid, double frames);

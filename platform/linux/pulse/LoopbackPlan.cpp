@@ -5,15 +5,24 @@
 
 namespace orvanta::pulse {
 
-LoopbackLatencies loopbackLatencies(const DeclaredLatencies& declared, int baseMs)
+HoldBacks holdBacks(const DeclaredLatencies& declared)
 {
     double latest = 0.0;
     for (const auto& [uid, ms] : declared) {
         latest = std::max(latest, ms);
     }
-    LoopbackLatencies plan;
+    HoldBacks held;
     for (const auto& [uid, ms] : declared) {
-        plan[uid] = baseMs + static_cast<int>(std::lround(latest - std::max(ms, 0.0)));
+        held[uid] = latest - std::max(ms, 0.0);
+    }
+    return held;
+}
+
+LoopbackLatencies loopbackLatencies(const DeclaredLatencies& declared, int baseMs)
+{
+    LoopbackLatencies plan;
+    for (const auto& [uid, ms] : holdBacks(declared)) {
+        plan[uid] = baseMs + static_cast<int>(std::lround(ms));
     }
     return plan;
 }

@@ -21,6 +21,12 @@ inline constexpr int kLoopbackBaseMs = 30;
 using DeclaredLatencies = std::map<std::string, double>;
 // member UID -> loopback latency in whole ms
 using LoopbackLatencies = std::map<std::string, int>;
+// member UID -> how long it is held back, in ms
+using HoldBacks = std::map<std::string, double>;
+
+// Every member waits for the one that declares the most: each is held back by the largest
+// declared latency minus its own (a negative declaration counts as none).
+HoldBacks holdBacks(const DeclaredLatencies& declared);
 
 LoopbackLatencies loopbackLatencies(const DeclaredLatencies& declared, int baseMs = kLoopbackBaseMs);
 

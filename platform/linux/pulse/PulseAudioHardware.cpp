@@ -30,6 +30,7 @@ enum class Kind
     Sink,
     Source,
     Loopback,
+    Planned,
     Unknown,
 };
 
@@ -45,6 +46,8 @@ Kind kindOf(AudioObjectID id)
         return Kind::Source;
     case PulseAudioHardware::kLoopbackBase:
         return Kind::Loopback;
+    case PulseAudioHardware::kPlannedBase:
+        return Kind::Planned;
     default:
         return Kind::Unknown;
     }
@@ -217,6 +220,64 @@ AudioObjectID PulseAudioHardware::loopbackID(std::uint32_t module)
     return it->second;
 }
 
+std::optional<std::string> PulseAudioHardware::planned() const
+{
+    if (declaredByStacked.empty() || server->state() == PulseConnection::State::Ready) {
+        return std::nullopt;
+    }
+    return declaredByStacked.begin()->first;
+}
+
+std::optional<std::string> PulseAudioHardware::plannedMember(AudioObjectID objectID) const
+{
+    const auto stacked = planned();
+    if (!stacked || objectID <= kPlannedBase) {
+        return std::nullopt;
+    }
+    const auto& declared = declaredByStacked.at(*stacked);
+    const auto position = objectID - kPlannedBase - 1;
+    return position < declared.size() ? std::optional{std::next(declared.begin(), position)->first} : std::nullopt;
+}
+
+std::vector<AudioObjectID> PulseAudioHardware::serverDevices()
+{
+    return server->withMirror([](const PulseMirror& mirror) { return deviceIDs(mirror); });
+}
+
+std::variant<PropertyValue, OSStatus> PulseAudioHardware::readPlanned(AudioObjectID objectID,
+                                                                      const AudioObjectPropertyAddress& address)
+{
+    const auto stacked = planned();
+    if (stacked && objectID == kPlannedBase) {
+        if (matches(kDeviceUID, address)) {
+            return PropertyValue{*stacked};
+        }
+        if (matches(kName, address)) {
+            return PropertyValue{labels.contains(*stacked) ? labels.at(*stacked) : *stacked};
+        }
+        if (matches(kActiveSubDeviceList, address)) {
+            std::vector<AudioObjectID> members;
+            for (std::size_t i = 0; i < declaredByStacked.at(*stacked).size(); ++i) {
+                members.push_back(kPlannedBase + 1 + static_cast<AudioObjectID>(i));
+            }
+            return PropertyValue{members};
+        }
+        return kAudioHardwareUnknownPropertyError;
+    }
+    const auto member = plannedMember(objectID);
+    if (!member) {
+        return kAudioHardwareBadObjectError;
+    }
+    if (matches(kDeviceUID, address)) {
+        return PropertyValue{*member};
+    }
+    if (matches(kExtraLatency, address)) {
+        const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, *member); });
+        return static_cast<Float64>(std::round(declaredByStacked.at(*stacked).at(*member) * rate / 1000.0));
+    }
+    return kAudioHardwareUnknownPropertyError;
+}
+
 std::optional<Loopback> PulseAudioHardware::loopbackFor(AudioObjectID objectID)
 {
     const auto module = loopbackModules.find(objectID);
@@ -235,7 +296,13 @@ std::variant<PropertyValue, OSStatus> PulseAudioHardware::read(AudioObjectID obj
     if (kindOf(objectID) == Kind::Loopback) {
         return readLoopback(objectID, address);
     }
+    if (kindOf(objectID) == Kind::Planned) {
+        return readPlanned(objectID, address);
+    }
     auto value = readDevice(objectID, address);
+    if (kindOf(objectID) == Kind::System && matches(kDevices, address) && planned()) {
+        std::get<std::vector<AudioObjectID>>(std::get<PropertyValue>(value)).push_back(kPlannedBase);
+    }
     if (matches(kActiveSubDeviceList, address) && std::holds_alternative<PropertyValue>(value)) {
         for (auto& module : std::get<std::vector<AudioObjectID>>(std::get<PropertyValue>(value))) {
             module = loopbackID(module);
@@ -283,6 +350,7 @@ std::variant<PropertyValue, OSStatus> PulseAudioHardware::readDevice(AudioObject
             }
             break;
         case Kind::Loopback:
+        case Kind::Planned:
         case Kind::Unknown:
             break;
         }
@@ -337,10 +405,15 @@ OSStatus PulseAudioHardware::setPropertyData(AudioObjectID objectID, const Audio
         std::memcpy(&level, data, sizeof level);
         return setSinkVolume(objectID, address.mElement, level);
     }
-    if (kindOf(objectID) == Kind::Loopback && matches(kExtraLatency, address)) {
+    if (matches(kExtraLatency, address)) {
         Float64 frames = 0;
         std::memcpy(&frames, data, sizeof frames);
-        return setExtraLatency(objectID, frames);
+        if (const auto member = plannedMember(objectID)) {
+            return setExtraLatency(*planned(), *member, frames);
+        }
+        if (const auto loopback = loopbackFor(objectID)) {
+            return setExtraLatency(stackedNameOf(*loopback), loopback->sink, frames);
+        }
     }
     return kAudioHardwareIllegalOperationError;
 }
@@ -398,6 +471,9 @@ OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& descripti
     const std::string& sinkName = composition->uid;
     const std::string& label = composition->name;
     const auto& members = composition->members;
+    const PulseConnection::Action action(*server);
+    // Until it is made, none of it is meant to be on the server.
+    server->setRestorePlan({{}, sinkName});
     const auto module = server->loadModule(kNullSinkModule, nullSinkArguments(sinkName, label));
     if (!module || !server->refreshSink(sinkName)) {
         return writeFailure();
@@ -437,6 +513,14 @@ OSStatus PulseAudioHardware::createAggregateDevice(const PropertyList& descripti
 
 OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
 {
+    if (const auto stacked = planned(); stacked && deviceID == kPlannedBase) {
+        // Forgotten: it is not rebuilt when the server returns.
+        declaredByStacked.erase(*stacked);
+        labels.erase(*stacked);
+        handOvers.clear();
+        server->setRestorePlan({{}, *stacked});
+        return noErr;
+    }
     struct Target
     {
         std::string name;
@@ -457,6 +541,8 @@ OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
         return *status;
     }
     const auto& [name, ownerModule, loopbacks] = std::get<Target>(target);
+    const PulseConnection::Action action(*server);
+    server->setRestorePlan({{}, name});
     server->finishHandOvers();
     for (const auto& loopback : loopbacks) {
         server->unloadModule(loopback.module);
@@ -464,7 +550,6 @@ OSStatus PulseAudioHardware::destroyAggregateDevice(AudioObjectID deviceID)
     declaredByStacked.erase(name);
     labels.erase(name);
     handOvers.clear();
-    server->setRestorePlan({});
     if (!server->unloadModule(ownerModule)) {
         return writeFailure();
     }
@@ -503,27 +588,24 @@ DeclaredLatencies PulseAudioHardware::declaredLatencies(const std::string& stack
     return declaredFromLoopbacks(running);
 }
 
-OSStatus PulseAudioHardware::setExtraLatency(AudioObjectID loopbackObject, double frames)
+OSStatus PulseAudioHardware::setExtraLatency(const std::string& stacked, const std::string& member, double frames)
 {
-    const auto loopback = loopbackFor(loopbackObject);
-    if (!loopback) {
-        return kAudioHardwareBadObjectError;
-    }
-    const std::string stacked = stackedNameOf(*loopback);
     auto declared = declaredLatencies(stacked);
-    const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, loopback->sink); });
+    const double rate = server->withMirror([&](const PulseMirror& mirror) { return rateOf(mirror, member); });
     const double ms = frames * 1000.0 / rate;
     if (!std::isfinite(ms) || ms < 0 || ms > kLongestDeclaredMs) {
         return kAudioHardwareIllegalOperationError;
     }
-    declared[loopback->sink] = ms;
+    declared[member] = ms;
+    const PulseConnection::Action action(*server);
     return retime(stacked, declared);
 }
 
 // Every member whose loopback latency changes gets a new loopback first; the old one is
 // unloaded once the new one plays, so the sound never stops. A member has at most one loopback
 // waiting to take over: a newer change drops a successor that has not taken over yet and keeps
-// the one that plays until the newest successor does.
+// the one that plays until the newest successor does. While the server is away, only the plan
+// changes.
 OSStatus PulseAudioHardware::retime(const std::string& stackedName, const DeclaredLatencies& declared)
 {
     const auto plan = loopbackLatencies(declared);

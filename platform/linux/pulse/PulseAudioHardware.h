@@ -5,7 +5,10 @@
 // stacked device is a null sink whose monitor feeds one loopback per member; each loopback is
 // a sub-device that carries its member's UID, and its latency keeps the members in step with
 // their declared extra latencies (see LoopbackPlan.h). Reads come from the connection's
-// mirror; writes wait for the server with a bound, and a missing server is a status.
+// mirror; writes wait for the server with a bound, and a missing server is a status. While the
+// server is away, the stacked device this process made is still listed, as it will be rebuilt
+// when the server returns: taking it down or changing a member's delay then changes what is
+// rebuilt.
 
 #include "LoopbackPlan.h"
 #include "PulseConnection.h"
@@ -29,6 +32,8 @@ public:
     static constexpr hal::AudioObjectID kSinkBase = 0x10000000;
     static constexpr hal::AudioObjectID kSourceBase = 0x20000000;
     static constexpr hal::AudioObjectID kLoopbackBase = 0x30000000;
+    // The stacked device while the server is away, and after it (+1, +2, ...) its members.
+    static constexpr hal::AudioObjectID kPlannedBase = 0x50000000;
     static constexpr hal::AudioObjectID kIndexMask = 0x0FFFFFFF;
 
     explicit PulseAudioHardware(std::unique_ptr<PulseConnection> connection);
@@ -48,6 +53,8 @@ public:
     hal::OSStatus destroyAggregateDevice(hal::AudioObjectID deviceID) override;
 
     PulseConnection& connection() { return *server; }
+    // The devices the server lists, in the order of the device list.
+    std::vector<hal::AudioObjectID> serverDevices();
 
 private:
     using Value = hal::PropertyValue;
@@ -59,13 +66,18 @@ private:
                                                   const hal::AudioObjectPropertyAddress& address);
     std::variant<Value, hal::OSStatus> readLoopback(hal::AudioObjectID objectID,
                                                     const hal::AudioObjectPropertyAddress& address);
+    std::variant<Value, hal::OSStatus> readPlanned(hal::AudioObjectID objectID,
+                                                   const hal::AudioObjectPropertyAddress& address);
+    // The stacked device this process made, while the server is away.
+    std::optional<std::string> planned() const;
+    std::optional<std::string> plannedMember(hal::AudioObjectID objectID) const;
     // Loopback modules are sub-device objects; their server indices need not fit beside a kind.
     hal::AudioObjectID loopbackID(std::uint32_t module);
     std::optional<Loopback> loopbackFor(hal::AudioObjectID objectID);
     hal::OSStatus writeFailure() const;
     hal::OSStatus setDefaultOutput(hal::AudioObjectID deviceID);
     hal::OSStatus setSinkVolume(hal::AudioObjectID sinkID, hal::AudioObjectPropertyElement element, float level);
-    hal::OSStatus setExtraLatency(hal::AudioObjectID loopbackObject, double frames);
+    hal::OSStatus setExtraLatency(const std::string& stackedName, const std::string& member, double frames);
     hal::OSStatus retime(const std::string& stackedName, const DeclaredLatencies& declared);
     DeclaredLatencies declaredLatencies(const std::string& stackedName);
     void unloadStacked(const std::string& sinkName);

@@ -1,10 +1,11 @@
 #include "PulseConnection.h"
 
-#include <algorithm>
-
+#include "ModuleArguments.h"
 #include "PulseObjects.h"
 
 #include <sys/time.h>
+
+#include <algorithm>
 
 #include <memory>
 #include <thread>
@@ -34,9 +35,10 @@ struct PulseConnection::Pending
 
 struct PulseConnection::CallbackData
 {
-    explicit CallbackData(std::shared_ptr<Pending> waiting) : pending(std::move(waiting)) {}
+    CallbackData(std::shared_ptr<Pending> waiting, const char* name) : pending(std::move(waiting)), call(name) {}
     virtual ~CallbackData() = default;
     std::shared_ptr<Pending> pending; // keeps the Pending alive for the callback
+    const char* call;                 // the libpulse call, for the log
 };
 
 // A module to unload once its successor plays.
@@ -50,21 +52,20 @@ struct PulseConnection::DelayedUnload
 
 // ---- lifetime ----
 
-PulseConnection::PulseConnection(std::string name) : clientName(std::move(name))
+PulseConnection::PulseConnection(std::string name) : clientName(std::move(name)), loop(pa_threaded_mainloop_new())
 {
-    loop = pa_threaded_mainloop_new();
-    pa_threaded_mainloop_lock(loop);
+    pa_threaded_mainloop_lock(loop.get());
     connectContext();
-    pa_threaded_mainloop_unlock(loop);
-    pa_threaded_mainloop_start(loop);
+    pa_threaded_mainloop_unlock(loop.get());
+    pa_threaded_mainloop_start(loop.get());
 }
 
 PulseConnection::~PulseConnection()
 {
     // A loopback that was handing over goes now: left behind, its member would play twice.
     finishHandOvers();
-    pa_threaded_mainloop_lock(loop);
-    auto* api = pa_threaded_mainloop_get_api(loop);
+    pa_threaded_mainloop_lock(loop.get());
+    auto* api = pa_threaded_mainloop_get_api(loop.get());
     if (reconnectTimer) {
         api->time_free(reconnectTimer);
         reconnectTimer = nullptr;
@@ -74,22 +75,22 @@ PulseConnection::~PulseConnection()
     }
     delayedUnloads.clear();
     dropContext();
-    pa_threaded_mainloop_unlock(loop);
-    pa_threaded_mainloop_stop(loop);
-    pa_threaded_mainloop_free(loop);
+    pa_threaded_mainloop_unlock(loop.get());
+    pa_threaded_mainloop_stop(loop.get());
 }
 
 void PulseConnection::connectContext()
 {
     ++contextGeneration;
-    pa_proplist* properties = pa_proplist_new();
-    pa_proplist_sets(properties, PA_PROP_APPLICATION_NAME, clientName.c_str());
-    pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, "orvanta");
-    context = pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop), clientName.c_str(), properties);
-    pa_proplist_free(properties);
-    pa_context_set_state_callback(context, &PulseConnection::onContextState, this);
+    const Proplist properties(pa_proplist_new());
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, clientName.c_str());
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, "orvanta");
+    context.reset(
+        pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop.get()), clientName.c_str(), properties.get()));
+    pa_context_set_state_callback(context.get(), &PulseConnection::onContextState, this);
     setState(State::Connecting);
-    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
+    if (pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
+        logLostConnection();
         setState(State::Disconnected);
         scheduleReconnect();
     }
@@ -101,12 +102,13 @@ void PulseConnection::dropContext()
     if (!context) {
         return;
     }
-    pa_context_set_state_callback(context, nullptr, nullptr);
-    pa_context_set_subscribe_callback(context, nullptr, nullptr);
-    pa_context_disconnect(context);
-    pa_context_unref(context);
-    context = nullptr;
+    pa_context_set_state_callback(context.get(), nullptr, nullptr);
+    pa_context_set_subscribe_callback(context.get(), nullptr, nullptr);
+    pa_context_disconnect(context.get());
+    context.reset();
     mirror.clear();
+    reconcileDue = false;
+    heldModules.clear();
 }
 
 void PulseConnection::scheduleReconnect()
@@ -117,8 +119,8 @@ void PulseConnection::scheduleReconnect()
     timeval when{};
     gettimeofday(&when, nullptr);
     pa_timeval_add(&when, static_cast<pa_usec_t>(kReconnectDelay.count()) * PA_USEC_PER_MSEC);
-    reconnectTimer = pa_threaded_mainloop_get_api(loop)->time_new(pa_threaded_mainloop_get_api(loop), &when,
-                                                                  &PulseConnection::onReconnectTimer, this);
+    auto* api = pa_threaded_mainloop_get_api(loop.get());
+    reconnectTimer = api->time_new(api, &when, &PulseConnection::onReconnectTimer, this);
 }
 
 void PulseConnection::onReconnectTimer(pa_mainloop_api* api, pa_time_event* event, const timeval*, void* self)
@@ -165,9 +167,9 @@ bool PulseConnection::waitUntilReady(std::chrono::milliseconds bound)
 
 void PulseConnection::setRestorePlan(RestorePlan plan)
 {
-    pa_threaded_mainloop_lock(loop);
+    pa_threaded_mainloop_lock(loop.get());
     restorePlan = std::move(plan);
-    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_unlock(loop.get());
 }
 
 // A restarted server has lost the modules we loaded; load them again, in their order, and make
@@ -180,8 +182,18 @@ void PulseConnection::restore()
     for (const auto& [name, arguments] : restorePlan.modules) {
         loadModuleAsync(name, arguments);
     }
-    if (auto* op = pa_context_set_default_sink(context, restorePlan.defaultSink.c_str(), nullptr, nullptr)) {
-        pa_operation_unref(op);
+    started(context.get(),
+            pa_context_set_default_sink(context.get(), restorePlan.defaultSink.c_str(), &logIfFailed,
+                                        callName("pa_context_set_default_sink")),
+            "pa_context_set_default_sink");
+}
+
+// Once per loss, not at every try to reconnect while the server is away.
+void PulseConnection::logLostConnection()
+{
+    if (!connectionLossLogged) {
+        logFailure(context.get(), "pa_context_connect");
+        connectionLossLogged = true;
     }
 }
 
@@ -190,9 +202,12 @@ void PulseConnection::onContextState(pa_context* context, void* self)
     auto* connection = static_cast<PulseConnection*>(self);
     switch (pa_context_get_state(context)) {
     case PA_CONTEXT_READY:
+        connection->connectionLossLogged = false;
         connection->requestInitialState();
         break;
     case PA_CONTEXT_FAILED:
+        connection->logLostConnection();
+        [[fallthrough]];
     case PA_CONTEXT_TERMINATED:
         // Everything the server had is gone with it; reads now see no devices.
         connection->mirror.clear();
@@ -206,24 +221,24 @@ void PulseConnection::onContextState(pa_context* context, void* self)
 
 void PulseConnection::requestInitialState()
 {
-    pa_context_set_subscribe_callback(context, &PulseConnection::onSubscription, this);
+    auto* ctx = context.get();
+    pa_context_set_subscribe_callback(ctx, &PulseConnection::onSubscription, this);
     const auto mask = static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SOURCE |
                                                           PA_SUBSCRIPTION_MASK_MODULE | PA_SUBSCRIPTION_MASK_SERVER);
-    if (auto* op = pa_context_subscribe(context, mask, nullptr, nullptr)) {
-        pa_operation_unref(op);
-    }
+    started(ctx, pa_context_subscribe(ctx, mask, &logIfFailed, callName("pa_context_subscribe")),
+            "pa_context_subscribe");
     initialRequests = 4;
-    const auto request = [this](pa_operation* op) {
-        if (op) {
-            pa_operation_unref(op);
-        } else {
+    const auto request = [this, ctx](pa_operation* op, const char* call) {
+        if (!started(ctx, op, call)) {
             finishInitialRequest();
         }
     };
-    request(pa_context_get_sink_info_list(context, &PulseConnection::onSinkInfo, this));
-    request(pa_context_get_source_info_list(context, &PulseConnection::onSourceInfo, this));
-    request(pa_context_get_module_info_list(context, &PulseConnection::onModuleInfo, this));
-    request(pa_context_get_server_info(context, &PulseConnection::onServerInfo, this));
+    request(pa_context_get_sink_info_list(ctx, &PulseConnection::onSinkInfo, this), "pa_context_get_sink_info_list");
+    request(pa_context_get_source_info_list(ctx, &PulseConnection::onSourceInfo, this),
+            "pa_context_get_source_info_list");
+    request(pa_context_get_module_info_list(ctx, &PulseConnection::onModuleInfo, this),
+            "pa_context_get_module_info_list");
+    request(pa_context_get_server_info(ctx, &PulseConnection::onServerInfo, this), "pa_context_get_server_info");
 }
 
 void PulseConnection::finishInitialRequest()
@@ -245,7 +260,7 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
                                      void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
-    connection->unanswered = false;
+    connection->heardFromServer();
     const auto facility = type & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
     const auto kind = type & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
     const bool removed = kind == PA_SUBSCRIPTION_EVENT_REMOVE;
@@ -253,12 +268,14 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
         connection->mirror.announceNew(static_cast<pa_subscription_event_type_t>(facility), index);
     }
     pa_operation* op = nullptr;
+    const char* call = "pa_context_get_server_info";
     switch (facility) {
     case PA_SUBSCRIPTION_EVENT_SINK:
         if (removed) {
             connection->mirror.removeSink(index);
         } else {
             op = pa_context_get_sink_info_by_index(context, index, &PulseConnection::onSinkInfo, self);
+            call = "pa_context_get_sink_info_by_index";
         }
         break;
     case PA_SUBSCRIPTION_EVENT_SOURCE:
@@ -266,6 +283,7 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
             connection->mirror.removeSource(index);
         } else {
             op = pa_context_get_source_info_by_index(context, index, &PulseConnection::onSourceInfo, self);
+            call = "pa_context_get_source_info_by_index";
         }
         break;
     case PA_SUBSCRIPTION_EVENT_MODULE:
@@ -273,20 +291,21 @@ void PulseConnection::onSubscription(pa_context* context, pa_subscription_event_
             connection->mirror.removeModule(index);
         } else {
             op = pa_context_get_module_info(context, index, &PulseConnection::onModuleInfo, self);
+            call = "pa_context_get_module_info";
         }
         break;
     case PA_SUBSCRIPTION_EVENT_SERVER:
         op = pa_context_get_server_info(context, &PulseConnection::onServerInfo, self);
         break;
     default:
-        break;
+        return;
     }
-    if (op) {
-        pa_operation_unref(op);
+    if (op || !removed) {
+        started(context, op, call);
     }
 }
 
-void PulseConnection::onSinkInfo(pa_context*, const pa_sink_info* info, int eol, void* self)
+void PulseConnection::onSinkInfo(pa_context* context, const pa_sink_info* info, int eol, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
@@ -296,6 +315,7 @@ void PulseConnection::onSinkInfo(pa_context*, const pa_sink_info* info, int eol,
             connection->reattach(info->name);
         }
     } else if (eol != 0) {
+        logFailedList(context, eol, "pa_context_get_sink_info");
         connection->finishInitialRequest();
     }
 }
@@ -319,23 +339,24 @@ void PulseConnection::reattach(const std::string& sinkName)
     }
 }
 
-void PulseConnection::onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* self)
+void PulseConnection::onSourceInfo(pa_context* context, const pa_source_info* info, int eol, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
         connection->mirror.update(*info);
     } else if (eol != 0) {
+        logFailedList(context, eol, "pa_context_get_source_info");
         connection->finishInitialRequest();
     }
 }
 
-void PulseConnection::onModuleInfo(pa_context*, const pa_module_info* info, int eol, void* self)
+void PulseConnection::onModuleInfo(pa_context* context, const pa_module_info* info, int eol, void* self)
 {
     auto* connection = static_cast<PulseConnection*>(self);
     if (info) {
         connection->mirror.update(*info);
-        connection->unloadIfAbandoned(info->index);
     } else if (eol != 0) {
+        logFailedList(context, eol, "pa_context_get_module_info");
         connection->finishInitialRequest();
     }
 }
@@ -357,20 +378,27 @@ void PulseConnection::onServerInfo(pa_context*, const pa_server_info* info, void
 
 // ---- writes that wait ----
 
-bool PulseConnection::run(const Start& start, Pending& pending, CallbackData* userdata)
+bool PulseConnection::run(const char* call, const Start& start, Pending& pending, CallbackData* userdata)
 {
-    pa_threaded_mainloop_lock(loop);
-    pa_operation* op = state() == State::Ready && context ? start(context, userdata) : nullptr;
-    pa_threaded_mainloop_unlock(loop);
+    ++actionsUnderway;
+    pa_threaded_mainloop_lock(loop.get());
+    pa_operation* op = state() == State::Ready && context ? start(context.get(), userdata) : nullptr;
+    if (!op && context) {
+        logFailure(context.get(), call);
+    }
+    pa_threaded_mainloop_unlock(loop.get());
     if (!op) {
         // Never sent: nothing the server could still carry out later.
+        --actionsUnderway;
         delete userdata;
         pending.complete(false);
         return false;
     }
+    const Operation owned(op);
     // Once a write has gone unanswered, the next ones wait only briefly until the server is heard
     // from again: one user action that chains several writes stays within about one bound.
-    const auto deadline = std::chrono::steady_clock::now() + (answering() ? kWriteBound : kUnansweredBound);
+    const auto bound = answering() ? kWriteBound : kUnansweredBound;
+    const auto deadline = std::chrono::steady_clock::now() + bound;
     {
         std::unique_lock lock(pending.mutex);
         // Short slices, so a server that goes away ends the wait at once instead of at the bound.
@@ -378,18 +406,23 @@ bool PulseConnection::run(const Start& start, Pending& pending, CallbackData* us
             pending.finished.wait_for(lock, std::chrono::milliseconds(20));
         }
     }
-    pa_threaded_mainloop_lock(loop);
+    pa_threaded_mainloop_lock(loop.get());
     std::unique_lock lock(pending.mutex);
     if (!pending.done) {
-        // A cancelled operation never calls back: free what the callback would have freed.
+        // A cancelled operation never calls back: free what the callback would have freed. The
+        // server may still carry the write out; the reconcile pass takes care of that.
         pa_operation_cancel(op);
         delete userdata;
+        qCWarning(lcOrvantaSound, "%s(): no answer within %lld ms", call, static_cast<long long>(bound.count()));
+        reconcileDue = true;
+        unanswered = true;
+    } else {
+        heardFromServer();
     }
     const bool success = pending.done && pending.success;
-    unanswered = !pending.done;
     lock.unlock();
-    pa_operation_unref(op);
-    pa_threaded_mainloop_unlock(loop);
+    --actionsUnderway;
+    pa_threaded_mainloop_unlock(loop.get());
     return success;
 }
 
@@ -397,16 +430,18 @@ namespace {
 
 using CallbackData = PulseConnection::CallbackData;
 
-void successCallback(pa_context*, int success, void* userdata)
+void successCallback(pa_context* context, int success, void* userdata)
 {
     auto* call = static_cast<CallbackData*>(userdata);
+    logIfFailed(context, success, callName(call->call));
     call->pending->complete(success != 0);
     delete call;
 }
 
-void indexCallback(pa_context*, std::uint32_t index, void* userdata)
+void indexCallback(pa_context* context, std::uint32_t index, void* userdata)
 {
     auto* call = static_cast<CallbackData*>(userdata);
+    logIfRefused(context, index, callName(call->call));
     call->pending->complete(index != PA_INVALID_INDEX, index);
     delete call;
 }
@@ -416,71 +451,37 @@ void indexCallback(pa_context*, std::uint32_t index, void* userdata)
 std::optional<std::uint32_t> PulseConnection::loadModule(const std::string& name, const std::string& arguments)
 {
     auto pending = std::make_shared<Pending>();
-    auto* call = new CallbackData(pending);
+    const char* call = "pa_context_load_module";
     const bool ok = run(
+        call,
         [&](pa_context* ctx, void* userdata) {
             return pa_context_load_module(ctx, name.c_str(), arguments.c_str(), indexCallback, userdata);
         },
-        *pending, call);
+        *pending, new CallbackData(pending, call));
     if (!ok) {
-        std::unique_lock lock(pending->mutex);
-        if (!pending->done) {
-            lock.unlock();
-            giveUpLoad(name, arguments);
-        }
         return std::nullopt;
     }
-    pa_threaded_mainloop_lock(loop);
-    std::erase(abandonedLoads, std::pair{name, arguments});
+    pa_threaded_mainloop_lock(loop.get());
     // The server just gave out this index, whatever it meant before.
     mirror.announceNew(PA_SUBSCRIPTION_EVENT_MODULE, pending->index);
     mirror.addModule({pending->index, name, arguments});
-    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_unlock(loop.get());
     return pending->index;
-}
-
-// A load that the server did not answer in time may still be carried out later: the program has
-// reported it as failed, so the module must not stay. It is unloaded when it shows up.
-void PulseConnection::giveUpLoad(const std::string& name, const std::string& arguments)
-{
-    pa_threaded_mainloop_lock(loop);
-    abandonedLoads.emplace_back(name, arguments);
-    for (const auto& [index, module] : mirror.modules) {
-        if (module.name == name && module.argument == arguments) {
-            unloadIfAbandoned(index);
-            break;
-        }
-    }
-    pa_threaded_mainloop_unlock(loop);
-}
-
-void PulseConnection::unloadIfAbandoned(std::uint32_t index)
-{
-    const auto module = mirror.modules.find(index);
-    if (module == mirror.modules.end() || !context) {
-        return;
-    }
-    const auto abandoned = std::find(abandonedLoads.begin(), abandonedLoads.end(),
-                                     std::pair{module->second.name, module->second.argument});
-    if (abandoned == abandonedLoads.end()) {
-        return;
-    }
-    abandonedLoads.erase(abandoned);
-    if (auto* op = pa_context_unload_module(context, index, nullptr, nullptr)) {
-        pa_operation_unref(op);
-    }
 }
 
 bool PulseConnection::unloadModule(std::uint32_t index)
 {
     auto pending = std::make_shared<Pending>();
-    auto* call = new CallbackData(pending);
-    const bool ok = run([&](pa_context* ctx,
-                            void* userdata) { return pa_context_unload_module(ctx, index, successCallback, userdata); },
-                        *pending, call);
+    const char* call = "pa_context_unload_module";
+    const bool ok = run(
+        call,
+        [&](pa_context* ctx, void* userdata) {
+            return pa_context_unload_module(ctx, index, successCallback, userdata);
+        },
+        *pending, new CallbackData(pending, call));
     if (ok) {
         // Forget the module and the sink it made now, not when the server's announcement arrives.
-        pa_threaded_mainloop_lock(loop);
+        pa_threaded_mainloop_lock(loop.get());
         mirror.removeModule(index);
         std::vector<std::uint32_t> ownedSinks;
         for (const auto& [sinkIndex, sink] : mirror.sinks) {
@@ -491,7 +492,7 @@ bool PulseConnection::unloadModule(std::uint32_t index)
         for (const auto sinkIndex : ownedSinks) {
             mirror.removeSink(sinkIndex);
         }
-        pa_threaded_mainloop_unlock(loop);
+        pa_threaded_mainloop_unlock(loop.get());
     }
     return ok;
 }
@@ -499,18 +500,19 @@ bool PulseConnection::unloadModule(std::uint32_t index)
 bool PulseConnection::setSinkVolume(std::uint32_t sinkIndex, const pa_cvolume& volume)
 {
     auto pending = std::make_shared<Pending>();
-    auto* call = new CallbackData(pending);
+    const char* call = "pa_context_set_sink_volume_by_index";
     const bool ok = run(
+        call,
         [&](pa_context* ctx, void* userdata) {
             return pa_context_set_sink_volume_by_index(ctx, sinkIndex, &volume, successCallback, userdata);
         },
-        *pending, call);
+        *pending, new CallbackData(pending, call));
     if (ok) {
-        pa_threaded_mainloop_lock(loop);
+        pa_threaded_mainloop_lock(loop.get());
         if (auto it = mirror.sinks.find(sinkIndex); it != mirror.sinks.end()) {
             it->second.volume = volume;
         }
-        pa_threaded_mainloop_unlock(loop);
+        pa_threaded_mainloop_unlock(loop.get());
     }
     return ok;
 }
@@ -518,16 +520,17 @@ bool PulseConnection::setSinkVolume(std::uint32_t sinkIndex, const pa_cvolume& v
 bool PulseConnection::setDefaultSink(const std::string& sinkName)
 {
     auto pending = std::make_shared<Pending>();
-    auto* call = new CallbackData(pending);
+    const char* call = "pa_context_set_default_sink";
     const bool ok = run(
+        call,
         [&](pa_context* ctx, void* userdata) {
             return pa_context_set_default_sink(ctx, sinkName.c_str(), successCallback, userdata);
         },
-        *pending, call);
+        *pending, new CallbackData(pending, call));
     if (ok) {
-        pa_threaded_mainloop_lock(loop);
+        pa_threaded_mainloop_lock(loop.get());
         mirror.defaultSinkName = sinkName;
-        pa_threaded_mainloop_unlock(loop);
+        pa_threaded_mainloop_unlock(loop.get());
     }
     return ok;
 }
@@ -537,7 +540,7 @@ namespace {
 struct SinkFetch final : CallbackData
 {
     SinkFetch(std::shared_ptr<PulseConnection::Pending> waiting, PulseMirror& target)
-        : CallbackData(std::move(waiting)), mirror(target)
+        : CallbackData(std::move(waiting), "pa_context_get_sink_info_by_name"), mirror(target)
     {}
     PulseMirror& mirror;
     bool found = false;
@@ -551,6 +554,7 @@ void sinkFetchCallback(pa_context*, const pa_sink_info* info, int eol, void* use
         fetch->found = true;
         return;
     }
+    // A sink that is not there is an answer, not a failure: it is not logged.
     fetch->pending->complete(eol > 0 && fetch->found);
     delete fetch;
 }
@@ -560,14 +564,13 @@ void sinkFetchCallback(pa_context*, const pa_sink_info* info, int eol, void* use
 bool PulseConnection::refreshSink(const std::string& sinkName)
 {
     auto pending = std::make_shared<Pending>();
-    CallbackData* fetch = new SinkFetch(pending, mirror);
     return run(
+        "pa_context_get_sink_info_by_name",
         [&](pa_context* ctx, void* userdata) {
             return pa_context_get_sink_info_by_name(ctx, sinkName.c_str(), sinkFetchCallback, userdata);
         },
-        *pending, fetch);
+        *pending, new SinkFetch(pending, mirror));
 }
-
 bool PulseConnection::waitUntilSinkGone(const std::string& sinkName)
 {
     const auto deadline = std::chrono::steady_clock::now() + kWriteBound;
@@ -602,25 +605,25 @@ bool PulseConnection::waitUntilSinkPresent(const std::string& sinkName)
 
 void PulseConnection::unloadModuleLater(std::uint32_t index, std::chrono::milliseconds delay)
 {
-    pa_threaded_mainloop_lock(loop);
+    pa_threaded_mainloop_lock(loop.get());
     mirror.retiringModules.insert(index);
     if (context) {
         timeval when{};
         gettimeofday(&when, nullptr);
         pa_timeval_add(&when, static_cast<pa_usec_t>(delay.count()) * PA_USEC_PER_MSEC);
         auto unload = std::make_unique<DelayedUnload>(DelayedUnload{this, nullptr, contextGeneration, index});
-        auto* api = pa_threaded_mainloop_get_api(loop);
+        auto* api = pa_threaded_mainloop_get_api(loop.get());
         unload->timer = api->time_new(api, &when, &PulseConnection::onDelayedUnload, unload.get());
         delayedUnloads.push_back(std::move(unload));
     }
-    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_unlock(loop.get());
 }
 
 void PulseConnection::finishHandOvers()
 {
     std::vector<std::uint32_t> pending;
-    pa_threaded_mainloop_lock(loop);
-    auto* api = pa_threaded_mainloop_get_api(loop);
+    pa_threaded_mainloop_lock(loop.get());
+    auto* api = pa_threaded_mainloop_get_api(loop.get());
     for (const auto& unload : delayedUnloads) {
         api->time_free(unload->timer);
         if (unload->generation == contextGeneration) {
@@ -628,7 +631,7 @@ void PulseConnection::finishHandOvers()
         }
     }
     delayedUnloads.clear();
-    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_unlock(loop.get());
     for (const auto index : pending) {
         unloadModule(index);
     }
@@ -636,7 +639,7 @@ void PulseConnection::finishHandOvers()
 
 bool PulseConnection::rescheduleUnload(std::uint32_t index, std::chrono::milliseconds delay)
 {
-    pa_threaded_mainloop_lock(loop);
+    pa_threaded_mainloop_lock(loop.get());
     const auto it = std::find_if(delayedUnloads.begin(), delayedUnloads.end(), [&](const auto& pending) {
         return pending->index == index && pending->generation == contextGeneration;
     });
@@ -645,10 +648,10 @@ bool PulseConnection::rescheduleUnload(std::uint32_t index, std::chrono::millise
         timeval when{};
         gettimeofday(&when, nullptr);
         pa_timeval_add(&when, static_cast<pa_usec_t>(delay.count()) * PA_USEC_PER_MSEC);
-        auto* api = pa_threaded_mainloop_get_api(loop);
+        auto* api = pa_threaded_mainloop_get_api(loop.get());
         api->time_restart((*it)->timer, &when);
     }
-    pa_threaded_mainloop_unlock(loop);
+    pa_threaded_mainloop_unlock(loop.get());
     return found;
 }
 
@@ -658,9 +661,7 @@ void PulseConnection::onDelayedUnload(pa_mainloop_api* api, pa_time_event* event
     auto* connection = unload->connection;
     // Only on the connection the module was loaded on: a restarted server has its own modules.
     if (connection->contextGeneration == unload->generation && connection->state() == State::Ready) {
-        if (auto* op = pa_context_unload_module(connection->context, unload->index, nullptr, nullptr)) {
-            pa_operation_unref(op);
-        }
+        connection->unloadModuleAsync(unload->index);
     }
     api->time_free(event);
     std::erase_if(connection->delayedUnloads, [unload](const auto& pending) { return pending.get() == unload; });
@@ -668,9 +669,125 @@ void PulseConnection::onDelayedUnload(pa_mainloop_api* api, pa_time_event* event
 
 void PulseConnection::loadModuleAsync(const std::string& name, const std::string& arguments)
 {
-    if (auto* op = pa_context_load_module(context, name.c_str(), arguments.c_str(), nullptr, nullptr)) {
-        pa_operation_unref(op);
+    started(context.get(),
+            pa_context_load_module(context.get(), name.c_str(), arguments.c_str(), &logIfRefused,
+                                   callName("pa_context_load_module")),
+            "pa_context_load_module");
+}
+
+void PulseConnection::unloadModuleAsync(std::uint32_t index)
+{
+    started(context.get(),
+            pa_context_unload_module(context.get(), index, &logIfFailed, callName("pa_context_unload_module")),
+            "pa_context_unload_module");
+}
+
+// ---- after a write the server left unanswered ----
+
+// The server is answering. If a write went unanswered before, the server may have carried it out
+// late, or only part of an action: the modules it really holds are read back and reconciled.
+void PulseConnection::heardFromServer()
+{
+    unanswered = false;
+    if (!reconcileDue || !context) {
+        return;
     }
+    reconcileDue = false;
+    heldModules.clear();
+    started(context.get(), pa_context_get_module_info_list(context.get(), &PulseConnection::onHeldModule, this),
+            "pa_context_get_module_info_list");
+}
+
+void PulseConnection::onHeldModule(pa_context* context, const pa_module_info* info, int eol, void* self)
+{
+    auto* connection = static_cast<PulseConnection*>(self);
+    if (info) {
+        connection->heldModules.push_back(
+            {info->index, info->name ? info->name : "", info->argument ? info->argument : ""});
+    } else if (eol < 0) {
+        logFailedList(context, eol, "pa_context_get_module_info_list");
+    } else {
+        connection->reconcile();
+    }
+}
+
+// Makes the stacked device's modules on the server what the plan holds: one of each planned
+// module, nothing else (no loopback that was superseded or loaded twice, no stacked sink that
+// was meant to be gone). A module on its way out after a hand-over is left to go, unless the plan
+// still needs it; a planned loopback that is missing is loaded again.
+void PulseConnection::reconcile()
+{
+    auto held = std::exchange(heldModules, {});
+    const std::string& stacked = restorePlan.defaultSink;
+    if (actionsUnderway > 0) {
+        // An action is under way: what it loads is not in the plan yet. Its end runs the pass.
+        reconcileDue = true;
+        return;
+    }
+    if (stacked.empty()) {
+        return;
+    }
+    const auto ours = [&](const ModuleRecord& module) {
+        const auto loopback = loopbackOf(module);
+        return (loopback && loopback->source == stacked + ".monitor") ||
+               (module.name == kNullSinkModule && parseModuleArguments(module.argument)["sink_name"] == stacked);
+    };
+    std::erase_if(held, [&](const ModuleRecord& module) { return !ours(module); });
+    // Modules that keep playing are matched to the plan before those on their way out.
+    std::stable_partition(held.begin(), held.end(),
+                          [&](const ModuleRecord& module) { return !mirror.retiringModules.contains(module.index); });
+    auto wanted = restorePlan.modules;
+    bool stackedSinkHeld = false;
+    for (const auto& module : held) {
+        const auto it = std::find(wanted.begin(), wanted.end(), std::pair{module.name, module.argument});
+        const bool retiring = mirror.retiringModules.contains(module.index);
+        if (it != wanted.end() && (!retiring || keepRetiring(module.index))) {
+            stackedSinkHeld = stackedSinkHeld || module.name == kNullSinkModule;
+            wanted.erase(it);
+        } else if (!retiring) {
+            qCWarning(lcOrvantaSound, "unloading module %u (%s %s): not what the program meant to leave", module.index,
+                      module.name.c_str(), module.argument.c_str());
+            unloadModuleAsync(module.index);
+        }
+    }
+    for (const auto& [name, arguments] : wanted) {
+        const auto loopback = loopbackOf(ModuleRecord{PA_INVALID_INDEX, name, arguments});
+        if (stackedSinkHeld && loopback && sinkNamed(mirror, loopback->sink)) {
+            loadModuleAsync(name, arguments);
+        }
+    }
+}
+
+// A module the plan still needs stays, though a hand-over meant to unload it; false when its
+// unload has been sent already.
+bool PulseConnection::keepRetiring(std::uint32_t index)
+{
+    auto* api = pa_threaded_mainloop_get_api(loop.get());
+    const auto kept = std::erase_if(delayedUnloads, [&](const auto& unload) {
+        if (unload->index != index || unload->generation != contextGeneration) {
+            return false;
+        }
+        api->time_free(unload->timer);
+        return true;
+    });
+    if (kept > 0) {
+        mirror.retiringModules.erase(index);
+    }
+    return kept > 0;
+}
+
+PulseConnection::Action::Action(PulseConnection& server) : connection(server)
+{
+    ++connection.actionsUnderway;
+}
+
+PulseConnection::Action::~Action()
+{
+    pa_threaded_mainloop_lock(connection.loop.get());
+    if (--connection.actionsUnderway == 0 && connection.answering()) {
+        connection.heardFromServer();
+    }
+    pa_threaded_mainloop_unlock(connection.loop.get());
 }
 
 } // namespace orvanta::pulse

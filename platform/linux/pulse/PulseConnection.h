@@ -6,6 +6,7 @@
 // the few writes the program needs as calls that wait for the server's answer, with a bound.
 // Nothing here blocks longer than that bound, and a server that is gone answers at once.
 
+#include "PulseCalls.h"
 #include "PulseMirror.h"
 
 #include <pulse/pulseaudio.h>
@@ -60,9 +61,9 @@ public:
     // Runs read with the mirror, the loop's lock held: keep it short.
     template <typename Read> auto withMirror(Read&& read) const
     {
-        pa_threaded_mainloop_lock(loop);
+        pa_threaded_mainloop_lock(loop.get());
         auto result = read(mirror);
-        pa_threaded_mainloop_unlock(loop);
+        pa_threaded_mainloop_unlock(loop.get());
         return result;
     }
 
@@ -87,14 +88,31 @@ public:
     // none (it has run already).
     bool rescheduleUnload(std::uint32_t index, std::chrono::milliseconds delay);
 
-    // What to load again, in order, when the server restarts without it: the stacked sink and
-    // its loopbacks, and the sink to make the default. An empty plan restores nothing.
+    // What the server is meant to hold of the stacked device, which is loaded again, in order,
+    // when the server restarts without it: the stacked sink and its loopbacks, and the sink to
+    // make the default. A plan without modules restores nothing; its sink names the stacked sink
+    // that must then not be on the server at all.
     struct RestorePlan
     {
         std::vector<std::pair<std::string, std::string>> modules; // name, arguments
         std::string defaultSink;
     };
     void setRestorePlan(RestorePlan plan);
+
+    // Held by the backend across an action of several writes (making, re-timing or taking down
+    // the stacked device): the reconcile pass after an unanswered write waits for its end, so it
+    // never takes away a module that the action loaded but has not entered in the plan yet.
+    class Action
+    {
+    public:
+        explicit Action(PulseConnection& server);
+        ~Action();
+        Action(const Action&) = delete;
+        Action& operator=(const Action&) = delete;
+
+    private:
+        PulseConnection& connection;
+    };
 
     // One write waiting for the server, and what its callback receives.
     struct Pending;
@@ -103,18 +121,21 @@ public:
 private:
     using Start = std::function<pa_operation*(pa_context*, void* userdata)>;
 
-    bool run(const Start& start, Pending& pending, CallbackData* userdata);
+    bool run(const char* call, const Start& start, Pending& pending, CallbackData* userdata);
     void connectContext();
     void dropContext();
     void setState(State newState);
     void requestInitialState();
     void finishInitialRequest();
     void scheduleReconnect();
+    void logLostConnection();
     void restore();
     void reattach(const std::string& sinkName);
     void loadModuleAsync(const std::string& name, const std::string& arguments);
-    void giveUpLoad(const std::string& name, const std::string& arguments);
-    void unloadIfAbandoned(std::uint32_t index);
+    void unloadModuleAsync(std::uint32_t index);
+    void heardFromServer();
+    void reconcile();
+    bool keepRetiring(std::uint32_t index);
 
     static void onContextState(pa_context* context, void* self);
     static void onSubscription(pa_context* context, pa_subscription_event_type_t type, std::uint32_t index, void* self);
@@ -122,22 +143,27 @@ private:
     static void onSourceInfo(pa_context* context, const pa_source_info* info, int eol, void* self);
     static void onModuleInfo(pa_context* context, const pa_module_info* info, int eol, void* self);
     static void onServerInfo(pa_context* context, const pa_server_info* info, void* self);
+    static void onHeldModule(pa_context* context, const pa_module_info* info, int eol, void* self);
     struct DelayedUnload;
     static void onDelayedUnload(pa_mainloop_api* api, pa_time_event* event, const struct timeval* tv, void* userdata);
     static void onReconnectTimer(pa_mainloop_api* api, pa_time_event* event, const struct timeval* tv, void* self);
 
     std::string clientName;
-    pa_threaded_mainloop* loop = nullptr;
-    pa_context* context = nullptr;
+    ThreadedLoop loop;
+    Context context;
     pa_time_event* reconnectTimer = nullptr;
     PulseMirror mirror;
     int initialRequests = 0;
     bool everReady = false;
+    bool connectionLossLogged = false;
     RestorePlan restorePlan;
     std::uint64_t contextGeneration = 0;
     std::vector<std::unique_ptr<DelayedUnload>> delayedUnloads;
-    // Loads given up on when the server did not answer: name and arguments, unloaded on arrival.
-    std::vector<std::pair<std::string, std::string>> abandonedLoads;
+    // Set when a write went unanswered: once the server answers again, the modules it really
+    // holds are read back (into heldModules) and made to match the plan.
+    bool reconcileDue = false;
+    std::vector<ModuleRecord> heldModules;
+    std::atomic<int> actionsUnderway{0};
 
     mutable std::mutex stateMutex;
     std::condition_variable stateChanged;

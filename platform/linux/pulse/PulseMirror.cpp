@@ -15,11 +15,25 @@ std::string text(const char* value)
     return value ? std::string(value) : std::string();
 }
 
+// A removal that came before the object's info was known; the info it is waiting for is dropped.
+template <typename Records>
+bool removedEarlier(std::set<std::uint32_t>& pending, const Records& records, std::uint32_t index)
+{
+    return !records.contains(index) && pending.erase(index) > 0;
+}
+
+template <typename Records> void removeRecord(std::set<std::uint32_t>& pending, Records& records, std::uint32_t index)
+{
+    if (records.erase(index) == 0) {
+        pending.insert(index);
+    }
+}
+
 } // namespace
 
 void PulseMirror::update(const pa_sink_info& info)
 {
-    if (removedSinks.contains(info.index)) {
+    if (removedEarlier(pendingSinkRemovals, sinks, info.index)) {
         return;
     }
     auto& sink = sinks[info.index];
@@ -38,7 +52,7 @@ void PulseMirror::update(const pa_sink_info& info)
 
 void PulseMirror::update(const pa_source_info& info)
 {
-    if (removedSources.contains(info.index)) {
+    if (removedEarlier(pendingSourceRemovals, sources, info.index)) {
         return;
     }
     auto& source = sources[info.index];
@@ -56,7 +70,7 @@ void PulseMirror::update(const pa_module_info& info)
 
 void PulseMirror::addModule(const ModuleRecord& module)
 {
-    if (!removedModules.contains(module.index)) {
+    if (!removedEarlier(pendingModuleRemovals, modules, module.index)) {
         modules[module.index] = module;
     }
 }
@@ -65,13 +79,13 @@ void PulseMirror::announceNew(pa_subscription_event_type_t facility, std::uint32
 {
     switch (facility) {
     case PA_SUBSCRIPTION_EVENT_SINK:
-        removedSinks.erase(index);
+        pendingSinkRemovals.erase(index);
         break;
     case PA_SUBSCRIPTION_EVENT_SOURCE:
-        removedSources.erase(index);
+        pendingSourceRemovals.erase(index);
         break;
     case PA_SUBSCRIPTION_EVENT_MODULE:
-        removedModules.erase(index);
+        pendingModuleRemovals.erase(index);
         break;
     default:
         break;
@@ -80,21 +94,18 @@ void PulseMirror::announceNew(pa_subscription_event_type_t facility, std::uint32
 
 void PulseMirror::removeSink(std::uint32_t index)
 {
-    sinks.erase(index);
-    removedSinks.insert(index);
+    removeRecord(pendingSinkRemovals, sinks, index);
 }
 
 void PulseMirror::removeSource(std::uint32_t index)
 {
-    sources.erase(index);
-    removedSources.insert(index);
+    removeRecord(pendingSourceRemovals, sources, index);
 }
 
 void PulseMirror::removeModule(std::uint32_t index)
 {
-    modules.erase(index);
     retiringModules.erase(index);
-    removedModules.insert(index);
+    removeRecord(pendingModuleRemovals, modules, index);
 }
 
 void PulseMirror::clear()

@@ -50,8 +50,8 @@ public:
     void update(const pa_source_info& info);
     void update(const pa_module_info& info);
     void addModule(const ModuleRecord& module);
-    // A server may hand out a removed object's index again; its announcement of a new object
-    // lifts the block on that index.
+    // The server announced a new object at this index: a removal still pending for an earlier
+    // object there is void.
     void announceNew(pa_subscription_event_type_t facility, std::uint32_t index);
     void removeSink(std::uint32_t index);
     void removeSource(std::uint32_t index);
@@ -68,10 +68,11 @@ public:
     std::set<std::uint32_t> retiringModules;
 
 private:
-    // An info reply that arrives after the object's removal must not bring it back.
-    std::set<std::uint32_t> removedSinks;
-    std::set<std::uint32_t> removedSources;
-    std::set<std::uint32_t> removedModules;
+    // Removals of objects whose info had not arrived yet: the info that arrives next for that
+    // index is of the removed object, and is dropped. Each is used once.
+    std::set<std::uint32_t> pendingSinkRemovals;
+    std::set<std::uint32_t> pendingSourceRemovals;
+    std::set<std::uint32_t> pendingModuleRemovals;
 };
 
 } // namespace orvanta::pulse
