@@ -76,7 +76,10 @@ public:
     // with the UIDs under "primary" and "secondary".
     static constexpr const char* kRestoreSyncKey = "restoreSyncAtStart";
     static constexpr const char* kRestoreDevicesKey = "restoreSyncDevices";
+    // A device's delay lies in kMinDelayMs..kMaxDelayMs; the views move it in steps of kDelayStepMs.
+    static constexpr int kMinDelayMs = 0;
     static constexpr int kMaxDelayMs = 600;
+    static constexpr int kDelayStepMs = 5;
     static constexpr std::chrono::milliseconds kPermissionPollInterval{1000};
 
     explicit AppState(AppStateServices services, QObject* parent = nullptr);
@@ -93,7 +96,13 @@ public:
     void applyVolumes();
     void adjustMasterVolume(float delta);
 
-    // Per-device delays and Bluetooth marks.
+    // Per-device delays and Bluetooth marks. A device counts as Bluetooth when it is present and
+    // either reports itself as one or the user marked it as one; only then does its delay apply.
+    bool countsAsBluetooth(const OptionalDevice& device) const;
+    bool isMarkedBluetooth(const OptionalDevice& device) const;
+    // The stored delay, 0 when there is none (or no device); the effective one is 0 unless the
+    // device counts as Bluetooth.
+    int storedDelay(const OptionalDevice& device) const;
     int effectiveDelay(const OptionalDevice& device) const;
     void setBluetoothDelay(int ms, const OptionalDevice& device);
     void setManualBluetoothOverride(bool isOn, const OptionalDevice& device);
@@ -153,8 +162,6 @@ private:
     void installMediaKeyCallback();
     void rememberSyncDevices();
     void restoreSyncIfPending();
-    int delayEntry(const std::string& uid) const;
-    bool overrideEntry(const std::string& uid) const;
 
     AppStateServices services;
 

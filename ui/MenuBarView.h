@@ -22,7 +22,7 @@ class AppState;
 
 namespace orvanta::ui {
 
-class PanelSpeakerSection;
+class SpeakerSection;
 class StatusDot;
 class ToggleSwitch;
 
@@ -61,8 +61,8 @@ private:
     ToggleSwitch* syncSwitch = nullptr;
     QLabel* syncCaption = nullptr;
     QWidget* speakers = nullptr;
-    PanelSpeakerSection* primarySection = nullptr;
-    PanelSpeakerSection* secondarySection = nullptr;
+    SpeakerSection* primarySection = nullptr;
+    SpeakerSection* secondarySection = nullptr;
     QToolButton* openButton = nullptr;
     QCheckBox* launchAtLogin = nullptr;
     QCheckBox* restoreSync = nullptr;
