@@ -38,7 +38,7 @@ using OptionalDevice = std::optional<audio::AudioDeviceOption>;
 using DelayMap = std::map<std::string, int>;
 using OverrideMap = std::map<std::string, bool>;
 
-// What AppState works with; the shared instance takes the process's own.
+// What AppState works with: main() hands in the process's own, tests simulated ones.
 struct AppStateServices
 {
     audio::AudioWrapper& audio;
@@ -84,8 +84,6 @@ public:
 
     explicit AppState(AppStateServices services, QObject* parent = nullptr);
     ~AppState() override;
-
-    static AppState& shared();
 
     // Sync.
     bool canEnableSync() const;
@@ -159,7 +157,6 @@ private:
     void setDelays(DelayMap value);
     void setOverrides(OverrideMap value);
     void loadPersistedMaps();
-    void installMediaKeyCallback();
     void rememberSyncDevices();
     void restoreSyncIfPending();
 

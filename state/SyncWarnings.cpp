@@ -29,22 +29,23 @@ std::vector<SyncWarning> SyncWarnings::afterEnableSync(const AppState& appState)
     QStringList bluetooth;
     QStringList softwareOnly;
     for (const auto* device : {&*primary, &*secondary}) {
-        if (audio.isBluetoothDevice(device->uid)) {
+        if (audioLayer.isBluetoothDevice(device->uid)) {
             bluetooth.append(QString::fromStdString(device->name));
         }
     }
     for (const auto* device : {&*primary, &*secondary}) {
-        if (!audio.supportsHardwareVolume(device->uid)) {
+        if (!audioLayer.supportsHardwareVolume(device->uid)) {
             softwareOnly.append(QString::fromStdString(device->name));
         }
     }
     std::vector<SyncWarning> warnings;
     if (!softwareOnly.empty() && appState.isQuellonOn()) {
-        warnings.push_back({SyncWarning::Kind::Volume, kVolumeTitle, kVolumePrefix + softwareOnly.join(QStringLiteral(", ")) + kVolumeRemainder});
+        warnings.push_back({SyncWarning::Kind::Volume, kVolumeTitle,
+                            kVolumePrefix + softwareOnly.join(QStringLiteral(", ")) + kVolumeRemainder});
     }
     if (!bluetooth.empty()) {
-        warnings.push_back(
-            {SyncWarning::Kind::Bluetooth, kBluetoothTitle, kBluetoothPrefix + bluetooth.join(QStringLiteral(", ")) + kBluetoothRemainder});
+        warnings.push_back({SyncWarning::Kind::Bluetooth, kBluetoothTitle,
+                            kBluetoothPrefix + bluetooth.join(QStringLiteral(", ")) + kBluetoothRemainder});
     }
     return warnings;
 }

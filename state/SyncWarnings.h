@@ -34,14 +34,14 @@ struct SyncWarning
 class SyncWarnings
 {
 public:
-    explicit SyncWarnings(audio::AudioWrapper& audio) : audio(audio) {}
+    explicit SyncWarnings(audio::AudioWrapper& audio) : audioLayer(audio) {}
 
     // After Enable Sync: the volume warning (only while sync is on), then the Bluetooth warning,
     // each when at least one selected device calls for it. Nothing when a device is missing.
     std::vector<SyncWarning> afterEnableSync(const AppState& appState) const;
 
 private:
-    audio::AudioWrapper& audio;
+    audio::AudioWrapper& audioLayer;
 };
 
 } // namespace orvanta::state

@@ -20,8 +20,8 @@ BalanceSection::BalanceSection(i18n::LanguageManager& languageManager, state::Ap
     column->setContentsMargins(16, 0, 16, 0);
     column->setSpacing(18);
     title = makeTextLabel(TextStyle::Headline, QStringLiteral("balanceTitle"), this);
-    primary = new SpeakerSection(lang, appState, Speaker::Primary, SpeakerSection::Place::Window, this);
-    secondary = new SpeakerSection(lang, appState, Speaker::Secondary, SpeakerSection::Place::Window, this);
+    auto* primary = new SpeakerSection(lang, appState, Speaker::Primary, SpeakerSection::Place::Window, this);
+    auto* secondary = new SpeakerSection(lang, appState, Speaker::Secondary, SpeakerSection::Place::Window, this);
 
     delayNote = new RoundedPanel(Tint::Blue, 0.08, 6, this);
     delayNote->setObjectName(QStringLiteral("delayNote"));
@@ -45,8 +45,6 @@ BalanceSection::BalanceSection(i18n::LanguageManager& languageManager, state::Ap
 void BalanceSection::redraw()
 {
     title->setText(lang.translate(QStringLiteral("Hardware Balance")));
-    primary->redraw();
-    secondary->redraw();
     delayNote->setVisible(appState.countsAsBluetooth(appState.selectedDevice1()) ||
                           appState.countsAsBluetooth(appState.selectedDevice2()));
     delayNoteText->setText(lang.translate(QStringLiteral("delay_note")));

@@ -20,7 +20,6 @@ class AppState;
 namespace orvanta::ui {
 
 class RoundedPanel;
-class SpeakerSection;
 
 class BalanceSection : public QWidget
 {
@@ -36,8 +35,6 @@ private:
     i18n::LanguageManager& lang;
     state::AppState& appState;
     QLabel* title = nullptr;
-    SpeakerSection* primary = nullptr;
-    SpeakerSection* secondary = nullptr;
     RoundedPanel* delayNote = nullptr;
     QLabel* delayNoteText = nullptr;
 };

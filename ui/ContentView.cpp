@@ -131,8 +131,8 @@ void ContentView::refreshDevices()
 void ContentView::syncOn()
 {
     if (!appState.canEnableSync()) {
-        pendingAlerts[ErrorAlert] = Alert{QStringLiteral("Audio Sync Error"),
-                                          lang.translate(QStringLiteral("Select two different devices"))};
+        pendingAlerts[ErrorAlert] =
+            Alert{QStringLiteral("Audio Sync Error"), lang.translate(QStringLiteral("Select two different devices"))};
         scheduleAlerts();
         return;
     }

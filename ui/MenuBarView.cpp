@@ -19,7 +19,6 @@
 
 namespace orvanta::ui {
 
-
 MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& languageManager, OpenWindowAction openAction,
                          QuitAction quitAction, QWidget* parent)
     : QWidget(parent), appState(state), lang(languageManager), openWindow(std::move(openAction)),
@@ -75,8 +74,9 @@ MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& language
     auto* speakerColumn = new QVBoxLayout(speakers);
     speakerColumn->setContentsMargins(0, 0, 0, 0);
     speakerColumn->setSpacing(8);
-    primarySection = new SpeakerSection(lang, appState, Speaker::Primary, SpeakerSection::Place::Panel, speakers);
-    secondarySection = new SpeakerSection(lang, appState, Speaker::Secondary, SpeakerSection::Place::Panel, speakers);
+    auto* primarySection = new SpeakerSection(lang, appState, Speaker::Primary, SpeakerSection::Place::Panel, speakers);
+    auto* secondarySection =
+        new SpeakerSection(lang, appState, Speaker::Secondary, SpeakerSection::Place::Panel, speakers);
     speakerColumn->addWidget(makeDivider(speakers));
     speakerColumn->addWidget(primarySection);
     speakerColumn->addWidget(makeDivider(speakers));
@@ -130,8 +130,6 @@ void MenuBarView::redraw()
     syncCaption->setVisible(!canSync);
 
     speakers->setVisible(on);
-    primarySection->redraw();
-    secondarySection->redraw();
 
     openButton->setText(lang.translate(QStringLiteral("Open Main Window")));
     launchAtLogin->setText(lang.translate(QStringLiteral("Launch at Login")));

@@ -22,7 +22,6 @@ class AppState;
 
 namespace orvanta::ui {
 
-class SpeakerSection;
 class StatusDot;
 class ToggleSwitch;
 
@@ -61,8 +60,6 @@ private:
     ToggleSwitch* syncSwitch = nullptr;
     QLabel* syncCaption = nullptr;
     QWidget* speakers = nullptr;
-    SpeakerSection* primarySection = nullptr;
-    SpeakerSection* secondarySection = nullptr;
     QToolButton* openButton = nullptr;
     QCheckBox* launchAtLogin = nullptr;
     QCheckBox* restoreSync = nullptr;

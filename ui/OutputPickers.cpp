@@ -25,8 +25,8 @@ OutputPickers::OutputPickers(i18n::LanguageManager& languageManager, state::AppS
 
     auto* titleRow = new QHBoxLayout();
     title = makeTextLabel(TextStyle::Headline, QStringLiteral("outputsTitle"), this);
-    refreshButton = makeCommandButton(QStringLiteral("arrow.clockwise"), Tint::Primary,
-                                      QStringLiteral("refreshButton"), this);
+    refreshButton =
+        makeCommandButton(QStringLiteral("arrow.clockwise"), Tint::Primary, QStringLiteral("refreshButton"), this);
     refreshButton->setFont(fontFor(TextStyle::Caption, font()));
     const int refreshSymbol = symbolSize(TextStyle::Caption, font());
     refreshButton->setIconSize(QSize(refreshSymbol, refreshSymbol));

@@ -1,5 +1,6 @@
 #include "SpeakerSection.h"
 
+#include "RedrawOnChanges.h"
 #include "Symbols.h"
 #include "TickSlider.h"
 #include "ViewRules.h"
@@ -132,9 +133,10 @@ SpeakerSection::SpeakerSection(i18n::LanguageManager& languageManager, AppState&
         column->addLayout(volumeRow);
     }
 
-    column->addWidget(window ? buildDelayControls(fontFor(TextStyle::Caption, base),
-                                                  symbolSize(TextStyle::Title3, base))
-                             : buildDelayControls(small, smallSymbol));
+    column->addWidget(window
+                          ? buildDelayControls(fontFor(TextStyle::Caption, base), symbolSize(TextStyle::Title3, base))
+                          : buildDelayControls(small, smallSymbol));
+    redrawOnChanges(appState, lang, this, &SpeakerSection::redraw);
     redraw();
 }
 
@@ -162,13 +164,13 @@ QWidget* SpeakerSection::buildDelayControls(const QFont& text, int stepSymbol)
         QFont bold = text;
         bold.setBold(true);
         delayTitle->setFont(bold);
-        resetButton = makeSymbolButton(QStringLiteral("arrow.counterclockwise"), Tint::Secondary,
-                                       symbolSize(TextStyle::Caption2, font()), QStringLiteral("resetButton"),
-                                       delayControls);
+        resetButton =
+            makeSymbolButton(QStringLiteral("arrow.counterclockwise"), Tint::Secondary,
+                             symbolSize(TextStyle::Caption2, font()), QStringLiteral("resetButton"), delayControls);
         connect(resetButton, &QToolButton::clicked, this,
                 [this] { appState.setBluetoothDelay(AppState::kMinDelayMs, selectedDevice(appState, speaker)); });
-        titleRow->addWidget(new SymbolView(kBluetoothSymbol, Tint::Blue, symbolSize(TextStyle::Caption, font()),
-                                           delayControls));
+        titleRow->addWidget(
+            new SymbolView(kBluetoothSymbol, Tint::Blue, symbolSize(TextStyle::Caption, font()), delayControls));
         titleRow->addWidget(delayTitle);
         titleRow->addStretch(1);
         titleRow->addWidget(delayLabel);

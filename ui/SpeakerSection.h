@@ -3,7 +3,8 @@
 // One speaker, as the main window's balance section and the tray panel show it: its name (with
 // the Bluetooth mark while it counts as Bluetooth), its volume slider, and, while it counts as
 // Bluetooth, its delay with step buttons of AppState::kDelayStepMs and a slider. It keeps nothing
-// itself: everything is read from AppState on every redraw and every change goes through it.
+// itself: everything is read from AppState whenever it or the language announces a change, and
+// every change goes through AppState.
 //
 // The two places differ in a few details, chosen by Place:
 //   Window  larger text; the "Treat as Bluetooth speaker" check box for a device that does not
@@ -55,10 +56,8 @@ public:
     SpeakerSection(i18n::LanguageManager& lang, state::AppState& appState, Speaker speaker, Place place,
                    QWidget* parent = nullptr);
 
-    // Reads everything afresh from AppState and the language manager.
-    void redraw();
-
 private:
+    void redraw();
     QWidget* buildDelayControls(const QFont& text, int stepSymbol);
     void redrawDelay(const state::OptionalDevice& device, const QString& name);
     int delay() const;
@@ -74,10 +73,10 @@ private:
     QLabel* percentLabel = nullptr;         // Panel only
     QCheckBox* bluetoothCheckbox = nullptr; // Window only
     QWidget* delayControls = nullptr;
-    QLabel* delayTitle = nullptr;        // Window only
-    QToolButton* resetButton = nullptr;  // Window only
-    TickSlider* tickSlider = nullptr;    // Window only
-    DirectSlider* stepSlider = nullptr;  // Panel only
+    QLabel* delayTitle = nullptr;       // Window only
+    QToolButton* resetButton = nullptr; // Window only
+    TickSlider* tickSlider = nullptr;   // Window only
+    DirectSlider* stepSlider = nullptr; // Panel only
     QLabel* delayLabel = nullptr;
     QToolButton* decreaseButton = nullptr;
     QToolButton* increaseButton = nullptr;
