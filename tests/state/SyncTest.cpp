@@ -65,22 +65,16 @@ TEST_F(Sync, OffDestroysTheDeviceAndReturnsAudioButKeepsTheTap)
     EXPECT_TRUE(mediaKeys.hasTap());
 }
 
-TEST_F(Sync, OneSelectionChangesNothingAndCallsNothing)
+TEST_F(Sync, CanEnableOnlyWithTwoDifferentUIDsAndOneSelectionChangesAndCallsNothing)
 {
     auto& app = start();
+    EXPECT_FALSE(app.canEnableSync());
     app.setSelectedDevice1(kSpeakers);
     sim.reset();
     app.enableSync();
     app.applyVolumes();
     EXPECT_FALSE(app.isQuellonOn());
     EXPECT_THAT(sim.calls(), IsEmpty());
-}
-
-TEST_F(Sync, CanEnableOnlyWithTwoDifferentUIDs)
-{
-    auto& app = start();
-    EXPECT_FALSE(app.canEnableSync());
-    app.setSelectedDevice1(kSpeakers);
     app.setSelectedDevice2(audio::AudioDeviceOption{"Renamed Speakers", "spk", true});
     EXPECT_FALSE(app.canEnableSync());
     app.setSelectedDevice2(kBluetooth);
