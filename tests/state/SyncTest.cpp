@@ -18,8 +18,6 @@ TEST_F(Sync, StartUpReadsTheCatalogueButSelectsAndChangesNothing)
     auto& app = start();
     EXPECT_EQ(app.devices(), (state::DeviceList{kSpeakers, kBluetooth}));
     EXPECT_FALSE(app.selectedDevice1() || app.selectedDevice2() || app.isQuellonOn());
-    EXPECT_EQ(app.volume1(), 0.5f);
-    EXPECT_EQ(app.volume2(), 0.5f);
     EXPECT_THAT(sim.calls({"set", "create", "destroy"}), IsEmpty());
     EXPECT_THAT(sim.printed.lines, IsEmpty());
     EXPECT_EQ(taps.created, 0);

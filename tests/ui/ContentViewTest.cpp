@@ -97,19 +97,6 @@ TEST_F(DevicesWithoutVolume, BothWarningsFollowOneSyncOnOneAfterTheOtherWithTitl
     EXPECT_FALSE(view().hasPendingAlerts());
 }
 
-TEST_F(DevicesWithoutVolume, AFailedSyncKeepsTheSwitchOffAndWarnsOnlyOfBluetooth)
-{
-    sim.system.addFailure(
-        std::nullopt,
-        sim::FailureRule{sim::CallKind::CreateAggregateDevice, {}, {}, {}, hal::kAudioHardwareUnspecifiedError});
-    pickBoth(1, 3);
-    turnSyncOn();
-    EXPECT_FALSE(appState->isQuellonOn());
-    EXPECT_FALSE(child<QAbstractButton>(&view(), "syncSwitch")->isChecked());
-    ASSERT_EQ(alerts.shown.size(), 1);
-    EXPECT_EQ(alerts.shown[0].messageText, "Bluetooth Audio Latency");
-}
-
 TEST_F(MainWindowContent, TheDelayNoteFollowsEitherSelectedDeviceCountingAsBluetooth)
 {
     sim.system.addDevice(withHardwareVolume(outputDevice("Desk", "desk")));
