@@ -105,8 +105,8 @@ int main(int argc, char** argv)
     i18n::LanguageManager lang(userDefaults);
     state::AppState appState({audioLayer, userDefaults, loginItems, trust, mediaKeys, core::standardOutputLog()});
     update::UpdateChecker updates([&lang](const QString& key) { return lang.translate(key); }, services);
-    ui::ViewServices views{audioLayer,   mediaKeys,         trust,         alerts,           workspace,
-                           &bundle, soundStatus.get(), &userDefaults, measurement.get()};
+    ui::ViewServices views{audioLayer, mediaKeys,         trust,         alerts,           workspace,
+                           &bundle,    soundStatus.get(), &userDefaults, measurement.get()};
     ui::OrvantaApp shell(lang, appState, ui::ShellServices{views, updates, {}, {}});
     QObject::connect(&instance, &ui::SingleInstance::activationRequested, &shell, &ui::OrvantaApp::showMainWindow);
     shell.start();
