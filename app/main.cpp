@@ -1,5 +1,6 @@
 // Orvanta's entry point: one instance per session, the sound system and the platform services
-// chosen once, then the application shell with its main window and tray icon.
+// chosen once, then the application shell with its main window and tray icon. Every shared object
+// is made here, handed to whoever needs it, and torn down here before the application object.
 
 #include "AudioBackend.h"
 #include "BuildBundleInfo.h"
@@ -63,7 +64,7 @@ int main(int argc, char** argv)
     }
     std::printf("%s\n", backend.description.c_str());
     std::fflush(stdout);
-    audio::AudioWrapper::usePlatform(*backend.hardware, core::standardOutputLog());
+    audio::AudioWrapper audioLayer(*backend.hardware, core::standardOutputLog());
 
     linux_platform::JsonFileUserDefaults userDefaults;
     linux_platform::XdgAutostartLoginItems loginItems(linux_platform::XdgAutostartLoginItems::defaultEntryPath(),
@@ -93,35 +94,21 @@ int main(int argc, char** argv)
     linux_platform::DesktopWorkspace workspace;
     linux_platform::BuildBundleInfo bundle(QStringLiteral(ORVANTA_VERSION));
 
-    auto& services = platform::PlatformServices::current();
-    services.userDefaults = &userDefaults;
-    services.loginItems = &loginItems;
-    services.accessibilityTrust = &trust;
-    services.eventTap = &eventTap;
-    services.http = &http;
-    services.alerts = &alerts;
-    services.workspace = &workspace;
-    services.bundle = &bundle;
+    const platform::PlatformServices services{&userDefaults, &loginItems, &trust,     &eventTap,
+                                              &http,         &alerts,     &workspace, &bundle};
+    state::MediaKeyManager mediaKeys(eventTap, core::standardOutputLog());
+    // The tap must not outlive the display it grabs on.
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &mediaKeys, &state::MediaKeyManager::stop);
 
     // Between the sound system and the shell: it goes after the windows that use it, before what it uses.
     const auto measurement = app::delayMeasurementFor(*backend.hardware);
-    ui::ViewServices views{audio::AudioWrapper::shared(),
-                           state::MediaKeyManager::shared(),
-                           trust,
-                           alerts,
-                           workspace,
-                           &bundle,
-                           soundStatus.get(),
-                           &userDefaults,
-                           measurement.get()};
-    ui::OrvantaApp shell([]() -> i18n::LanguageManager& { return i18n::LanguageManager::shared(); },
-                         []() -> state::AppState& { return state::AppState::shared(); },
-                         ui::ShellServices{views, update::UpdateChecker::shared(), {}, {}});
-    update::UpdateChecker::setSharedTranslator(
-        [&lang = shell.languageManager()](const QString& key) { return lang.translate(key); });
+    i18n::LanguageManager lang(userDefaults);
+    state::AppState appState({audioLayer, userDefaults, loginItems, trust, mediaKeys, core::standardOutputLog()});
+    update::UpdateChecker updates([&lang](const QString& key) { return lang.translate(key); }, services);
+    ui::ViewServices views{audioLayer, mediaKeys,         trust,         alerts,           workspace,
+                           &bundle,    soundStatus.get(), &userDefaults, measurement.get()};
+    ui::OrvantaApp shell(lang, appState, ui::ShellServices{views, updates, {}, {}});
     QObject::connect(&instance, &ui::SingleInstance::activationRequested, &shell, &ui::OrvantaApp::showMainWindow);
-    // The shared key manager outlives main(); its tap must not outlive the display it grabs on.
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { state::MediaKeyManager::shared().stop(); });
     shell.start();
     return QApplication::exec();
 }

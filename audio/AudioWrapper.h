@@ -26,10 +26,6 @@ public:
     AudioWrapper(const AudioWrapper&) = delete;
     AudioWrapper& operator=(const AudioWrapper&) = delete;
 
-    // The process's instance. main() chooses the platform once, before the first use.
-    static void usePlatform(hal::AudioHardware& hardware, core::DiagnosticLog log);
-    static AudioWrapper& shared();
-
     // Catalogue.
     std::vector<hal::AudioObjectID> getAllDeviceIDs();
     std::vector<AudioDeviceOption> getOutputDevices();

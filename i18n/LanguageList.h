@@ -2,7 +2,8 @@
 
 // The languages of the interface, in the order the language picker offers them. A language is
 // known everywhere by its display name: the picker shows it, the tables are keyed by it and the
-// settings store it. Each one has its string table, compiled into the program under tableName.
+// settings store it. Each one has its string table, compiled into the program under tableName;
+// the build reads the table names from the entries below, so this list is the only one.
 
 #include <QStringView>
 #include <Qt>

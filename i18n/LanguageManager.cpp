@@ -3,13 +3,9 @@
 #include "LanguageList.h"
 #include "StringTable.h"
 
-#include "services/PlatformServices.h"
 #include "services/UserDefaults.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
 
 namespace orvanta::i18n {
 namespace {
@@ -53,20 +49,6 @@ LanguageManager::LanguageManager(platform::UserDefaults& userDefaults, QObject* 
     : QObject(parent), defaults(userDefaults), languageNames(displayNames()), tables(allTables()),
       chosenLanguage(storedLanguage(userDefaults))
 {}
-
-LanguageManager& LanguageManager::shared()
-{
-    static const std::unique_ptr<LanguageManager> instance = [] {
-        auto* defaults = platform::PlatformServices::current().userDefaults;
-        if (!defaults) {
-            // A programming error: main() chooses the settings before anything looks up a text.
-            std::fputs("LanguageManager::shared() used before the user defaults were chosen\n", stderr);
-            std::abort();
-        }
-        return std::make_unique<LanguageManager>(*defaults);
-    }();
-    return *instance;
-}
 
 QString LanguageManager::translate(const QString& key) const
 {

@@ -25,9 +25,6 @@ public:
     // Reads the stored language ("English" when there is none) and builds the tables once.
     explicit LanguageManager(platform::UserDefaults& defaults, QObject* parent = nullptr);
 
-    // The process's instance, created on first use over the settings main() chose.
-    static LanguageManager& shared();
-
     // The text of key in the current language; the key itself when there is none.
     QString translate(const QString& key) const;
 

@@ -4,7 +4,6 @@
 #include "audio/AudioWrapper.h"
 #include "services/AccessibilityTrust.h"
 #include "services/LoginItems.h"
-#include "services/PlatformServices.h"
 #include "services/UserDefaults.h"
 
 #include <QPointer>
@@ -28,30 +27,10 @@ AppState::AppState(AppStateServices appServices, QObject* parent) : QObject(pare
     setDevices(services.audio.getOutputDevices());
     setTrusted(services.trust.isProcessTrusted());
     startPermissionTimer();
-    installMediaKeyCallback();
+    connect(&services.mediaKeys, &MediaKeyManager::masterVolumeStep, this, &AppState::adjustMasterVolume);
 }
 
 AppState::~AppState() = default;
-
-AppState& AppState::shared()
-{
-    static AppState* const instance = [] {
-        auto& platform = platform::PlatformServices::current();
-        return new AppState({audio::AudioWrapper::shared(), *platform.userDefaults, *platform.loginItems,
-                             *platform.accessibilityTrust, MediaKeyManager::shared(), core::standardOutputLog()});
-    }();
-    return *instance;
-}
-
-void AppState::installMediaKeyCallback()
-{
-    QPointer<AppState> self(this);
-    services.mediaKeys.onMasterVolumeChange = [self](float step) {
-        if (self) {
-            self->adjustMasterVolume(step);
-        }
-    };
-}
 
 void AppState::setDevices(DeviceList value)
 {

@@ -38,7 +38,7 @@ using OptionalDevice = std::optional<audio::AudioDeviceOption>;
 using DelayMap = std::map<std::string, int>;
 using OverrideMap = std::map<std::string, bool>;
 
-// What AppState works with; the shared instance takes the process's own.
+// What AppState works with: main() hands in the process's own, tests simulated ones.
 struct AppStateServices
 {
     audio::AudioWrapper& audio;
@@ -76,13 +76,14 @@ public:
     // with the UIDs under "primary" and "secondary".
     static constexpr const char* kRestoreSyncKey = "restoreSyncAtStart";
     static constexpr const char* kRestoreDevicesKey = "restoreSyncDevices";
+    // A device's delay lies in kMinDelayMs..kMaxDelayMs; the views move it in steps of kDelayStepMs.
+    static constexpr int kMinDelayMs = 0;
     static constexpr int kMaxDelayMs = 600;
+    static constexpr int kDelayStepMs = 5;
     static constexpr std::chrono::milliseconds kPermissionPollInterval{1000};
 
     explicit AppState(AppStateServices services, QObject* parent = nullptr);
     ~AppState() override;
-
-    static AppState& shared();
 
     // Sync.
     bool canEnableSync() const;
@@ -93,7 +94,13 @@ public:
     void applyVolumes();
     void adjustMasterVolume(float delta);
 
-    // Per-device delays and Bluetooth marks.
+    // Per-device delays and Bluetooth marks. A device counts as Bluetooth when it is present and
+    // either reports itself as one or the user marked it as one; only then does its delay apply.
+    bool countsAsBluetooth(const OptionalDevice& device) const;
+    bool isMarkedBluetooth(const OptionalDevice& device) const;
+    // The stored delay, 0 when there is none (or no device); the effective one is 0 unless the
+    // device counts as Bluetooth.
+    int storedDelay(const OptionalDevice& device) const;
     int effectiveDelay(const OptionalDevice& device) const;
     void setBluetoothDelay(int ms, const OptionalDevice& device);
     void setManualBluetoothOverride(bool isOn, const OptionalDevice& device);
@@ -150,11 +157,8 @@ private:
     void setDelays(DelayMap value);
     void setOverrides(OverrideMap value);
     void loadPersistedMaps();
-    void installMediaKeyCallback();
     void rememberSyncDevices();
     void restoreSyncIfPending();
-    int delayEntry(const std::string& uid) const;
-    bool overrideEntry(const std::string& uid) const;
 
     AppStateServices services;
 

@@ -20,24 +20,32 @@ void AppState::loadPersistedMaps()
     }
 }
 
-int AppState::delayEntry(const std::string& uid) const
+bool AppState::isMarkedBluetooth(const OptionalDevice& device) const
 {
-    const auto it = delays.find(uid);
-    return it == delays.end() ? 0 : it->second;
+    if (!device) {
+        return false;
+    }
+    const auto it = overrides.find(device->uid);
+    return it != overrides.end() && it->second;
 }
 
-bool AppState::overrideEntry(const std::string& uid) const
+bool AppState::countsAsBluetooth(const OptionalDevice& device) const
 {
-    const auto it = overrides.find(uid);
-    return it != overrides.end() && it->second;
+    return device && (device->isBluetooth || isMarkedBluetooth(device));
+}
+
+int AppState::storedDelay(const OptionalDevice& device) const
+{
+    if (!device) {
+        return 0;
+    }
+    const auto it = delays.find(device->uid);
+    return it == delays.end() ? 0 : it->second;
 }
 
 int AppState::effectiveDelay(const OptionalDevice& device) const
 {
-    if (!device || (!device->isBluetooth && !overrideEntry(device->uid))) {
-        return 0;
-    }
-    return delayEntry(device->uid);
+    return countsAsBluetooth(device) ? storedDelay(device) : 0;
 }
 
 void AppState::setBluetoothDelay(int ms, const OptionalDevice& device)
@@ -45,14 +53,13 @@ void AppState::setBluetoothDelay(int ms, const OptionalDevice& device)
     if (!device) {
         return;
     }
-    const int clamped = std::min(std::max(ms, 0), kMaxDelayMs);
+    const int clamped = std::clamp(ms, kMinDelayMs, kMaxDelayMs);
     auto updated = delays;
     updated[device->uid] = clamped;
     setDelays(std::move(updated));
     services.userDefaults.setValue(kBluetoothDelaysKey, toStored(delays));
     if (syncOn) {
-        const bool countsAsBluetooth = device->isBluetooth || overrideEntry(device->uid);
-        services.audio.setRuntimeLatency(device->uid, countsAsBluetooth ? clamped : 0);
+        services.audio.setRuntimeLatency(device->uid, effectiveDelay(device));
     }
 }
 
@@ -66,7 +73,7 @@ void AppState::setManualBluetoothOverride(bool isOn, const OptionalDevice& devic
     setOverrides(std::move(updated));
     services.userDefaults.setValue(kManualBTKey, toStored(overrides));
     if (syncOn) {
-        services.audio.setRuntimeLatency(device->uid, isOn ? delayEntry(device->uid) : 0);
+        services.audio.setRuntimeLatency(device->uid, isOn ? storedDelay(device) : 0);
     }
 }
 

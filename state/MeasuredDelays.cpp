@@ -11,7 +11,8 @@ MeasuredDelays measuredDelays(const std::vector<std::string>& uids, const measur
     for (std::size_t member = 0; member < uids.size() && member < outcome.latenessMs.size(); ++member) {
         const double lateness = outcome.latenessMs[member];
         delays.differenceMs = std::max(delays.differenceMs, lateness);
-        delays.byUID[uids[member]] = std::clamp(static_cast<int>(std::lround(lateness)), 0, AppState::kMaxDelayMs);
+        delays.byUID[uids[member]] =
+            std::clamp(static_cast<int>(std::lround(lateness)), AppState::kMinDelayMs, AppState::kMaxDelayMs);
     }
     delays.beyondRange = delays.differenceMs > AppState::kMaxDelayMs + 0.5;
     return delays;

@@ -1,19 +1,14 @@
 #include "MediaKeyManager.h"
 
 #include "services/MainQueue.h"
-#include "services/PlatformServices.h"
+
+#include <QPointer>
 
 namespace orvanta::state {
 
-MediaKeyManager::MediaKeyManager(platform::EventTap& eventTaps, core::DiagnosticLog diagnostics)
-    : taps(eventTaps), log(std::move(diagnostics))
+MediaKeyManager::MediaKeyManager(platform::EventTap& eventTaps, core::DiagnosticLog diagnostics, QObject* parent)
+    : QObject(parent), taps(eventTaps), log(std::move(diagnostics))
 {}
-
-MediaKeyManager& MediaKeyManager::shared()
-{
-    static MediaKeyManager instance(*platform::PlatformServices::current().eventTap, core::standardOutputLog());
-    return instance;
-}
 
 void MediaKeyManager::start()
 {
@@ -55,9 +50,9 @@ std::optional<platform::TapEvent> MediaKeyManager::handleEvent(const platform::T
 void MediaKeyManager::postStep(float step)
 {
     // The tap decides at once; the volume work, which reaches the audio layer, runs after it.
-    platform::postToMainQueue([this, step] {
-        if (onMasterVolumeChange) {
-            onMasterVolumeChange(step);
+    platform::postToMainQueue([self = QPointer<MediaKeyManager>(this), step] {
+        if (self) {
+            emit self->masterVolumeStep(step);
         }
     });
 }

@@ -2,19 +2,22 @@
 
 // Turns the keyboard's volume keys into volume steps. While its tap runs, a volume-up or
 // volume-down key-down is taken away from the rest of the desktop and becomes a step of
-// +/-0.0625 handed, on the main queue, to onMasterVolumeChange; every other event goes on.
+// +/-0.0625 announced, from the main queue, by masterVolumeStep; every other event goes on.
 
 #include "core/DiagnosticLog.h"
 #include "services/EventTap.h"
 
-#include <functional>
+#include <QObject>
+
 #include <memory>
 #include <optional>
 
 namespace orvanta::state {
 
-class MediaKeyManager
+class MediaKeyManager : public QObject
 {
+    Q_OBJECT
+
 public:
     static constexpr float kStep = 0.0625f;
     static constexpr qint64 kKeyStateMask = 0xFF00;
@@ -22,11 +25,7 @@ public:
     static constexpr qint64 kSoundUp = 0;
     static constexpr qint64 kSoundDown = 1;
 
-    MediaKeyManager(platform::EventTap& taps, core::DiagnosticLog log);
-    MediaKeyManager(const MediaKeyManager&) = delete;
-    MediaKeyManager& operator=(const MediaKeyManager&) = delete;
-
-    static MediaKeyManager& shared();
+    MediaKeyManager(platform::EventTap& taps, core::DiagnosticLog log, QObject* parent = nullptr);
 
     // Creates, installs and enables the tap. A tap that already exists is enabled again and
     // kept: a second tap would only see what the first one passed on.
@@ -39,7 +38,8 @@ public:
 
     bool hasTap() const { return eventTap != nullptr; }
 
-    std::function<void(float step)> onMasterVolumeChange;
+signals:
+    void masterVolumeStep(float step);
 
 private:
     void postStep(float step);

@@ -33,12 +33,12 @@ std::optional<int> wholeNumber(const QVariant& value)
     return static_cast<int>(number);
 }
 
-// A delay the program could have stored: a whole number from 0 to 600. Anything else was not
+// A delay the program could have stored: a whole number within the delay limits. Anything else was not
 // written by it, so the stored map is not to be trusted.
 std::optional<int> storedDelay(const QVariant& value)
 {
     const auto number = wholeNumber(value);
-    if (!number || *number < 0 || *number > AppState::kMaxDelayMs) {
+    if (!number || *number < AppState::kMinDelayMs || *number > AppState::kMaxDelayMs) {
         return std::nullopt;
     }
     return number;

@@ -2,19 +2,19 @@
 
 // The main window's content: one column 420 pixels wide with the language picker, the
 // permission banner, the two device pickers with what the sound system is doing, the sync
-// switch, the balance section with both speakers, the notes, the support button, the links and
-// the version. It reads AppState and the language manager and redraws whenever either announces
-// a change; the only state it owns is that of its three alerts.
+// switch, the balance section with both speakers, and the footer. It reads AppState and the
+// language manager and redraws whenever either announces a change; the only state it owns is
+// that of its alerts.
 
 #include "ViewServices.h"
 #include "state/AppState.h"
 
 #include <QWidget>
 
+#include <array>
+#include <optional>
+
 class QComboBox;
-class QLabel;
-class QPushButton;
-class QToolButton;
 
 namespace orvanta::i18n {
 class LanguageManager;
@@ -22,11 +22,10 @@ class LanguageManager;
 
 namespace orvanta::ui {
 
+class BalanceSection;
+class ContentFooter;
+class OutputPickers;
 class PermissionBanner;
-class RoundedPanel;
-class SoundSystemNotice;
-class SpeakerBlock;
-class SymbolView;
 class ToggleSwitch;
 
 class ContentView : public QWidget
@@ -51,7 +50,7 @@ public:
 
     // The alerts waiting to be shown, in the order they are shown (the error, the volume
     // warning, the Bluetooth warning); they are shown from the event loop, one after the other.
-    bool hasPendingAlerts() const { return showErrorAlert || showVolumeWarning || showBluetoothWarning; }
+    bool hasPendingAlerts() const;
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -63,65 +62,40 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void build();
-    QWidget* buildHeader();
-    QWidget* buildOutputs();
-    QWidget* buildBalance();
-    QWidget* buildNotes();
-    QWidget* buildFooter();
+    // A pending alert: its title's key and its message, already translated.
+    struct Alert
+    {
+        QString title;
+        QString message;
+    };
+    enum AlertSlot
+    {
+        ErrorAlert,
+        VolumeAlert,
+        BluetoothAlert,
+        AlertSlots
+    };
 
-    void redrawPickers();
-    void fillPicker(QComboBox* picker);
-    void showSelection(QComboBox* picker, const state::OptionalDevice& selected);
-    void choose(QComboBox* picker, int index);
+    QWidget* buildHeader();
     void trustChanged();
     void soundSystemChanged();
     void scheduleAlerts();
     void presentAlerts();
-    void openAddress(const QString& address);
 
     i18n::LanguageManager& lang;
     state::AppState& appState;
     ViewServices services;
 
-    // The alerts' presentation state.
-    bool showErrorAlert = false;
-    QString errorMessage;
-    bool showVolumeWarning = false;
-    QString volumeWarningMessage;
-    bool showBluetoothWarning = false;
-    QString bluetoothWarningMessage;
+    std::array<std::optional<Alert>, AlertSlots> pendingAlerts;
     bool presenting = false;
-
-    // Presentation only: what the pickers were last filled from, and the trust last seen.
-    state::DeviceList pickerDevices;
-    QString pickerLanguage;
-    bool lastTrusted = false;
+    bool lastTrusted = false; // the trust last seen
 
     QComboBox* languagePicker = nullptr;
     PermissionBanner* banner = nullptr;
-    QLabel* outputsTitle = nullptr;
-    QToolButton* refreshButton = nullptr;
-    QLabel* primaryTitle = nullptr;
-    QLabel* secondaryTitle = nullptr;
-    QComboBox* primaryPicker = nullptr;
-    QComboBox* secondaryPicker = nullptr;
-    SoundSystemNotice* soundSystem = nullptr;
+    OutputPickers* outputs = nullptr;
     ToggleSwitch* syncSwitch = nullptr;
-    QWidget* balance = nullptr;
-    QLabel* balanceTitle = nullptr;
-    SpeakerBlock* primaryBlock = nullptr;
-    SpeakerBlock* secondaryBlock = nullptr;
-    RoundedPanel* delayNote = nullptr;
-    QLabel* delayNoteText = nullptr;
-    QLabel* notesTitle = nullptr;
-    QLabel* warningText = nullptr;
-    QLabel* keepRunningText = nullptr;
-    QLabel* volumeKeysText = nullptr;
-    QPushButton* supportButton = nullptr;
-    QPushButton* privacyLink = nullptr;
-    QPushButton* termsLink = nullptr;
-    QLabel* versionLabel = nullptr;
+    BalanceSection* balance = nullptr;
+    ContentFooter* footer = nullptr;
 };
 
 } // namespace orvanta::ui

@@ -3,10 +3,9 @@
 #include "RedrawOnChanges.h"
 
 #include "MainWindowLookup.h"
-#include "PanelSpeakerSection.h"
+#include "SpeakerSection.h"
 #include "Symbols.h"
 #include "ToggleSwitch.h"
-#include "ViewRules.h"
 #include "Widgets.h"
 #include "i18n/LanguageManager.h"
 #include "state/AppState.h"
@@ -19,23 +18,6 @@
 #include <QToolButton>
 
 namespace orvanta::ui {
-
-namespace {
-
-QToolButton* makeCommandButton(const QString& symbol, Tint tint, const QString& objectName, QWidget* parent)
-{
-    auto* button = new QToolButton(parent);
-    button->setObjectName(objectName);
-    button->setIcon(symbolIcon(symbol, tint));
-    const int size = symbolSize(TextStyle::Body, parent->font()) - 2;
-    button->setIconSize(QSize(size, size));
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->setAutoRaise(true);
-    button->setCursor(Qt::PointingHandCursor);
-    return button;
-}
-
-} // namespace
 
 MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& languageManager, OpenWindowAction openAction,
                          QuitAction quitAction, QWidget* parent)
@@ -92,8 +74,9 @@ MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& language
     auto* speakerColumn = new QVBoxLayout(speakers);
     speakerColumn->setContentsMargins(0, 0, 0, 0);
     speakerColumn->setSpacing(8);
-    primarySection = new PanelSpeakerSection(appState, lang, Speaker::Primary, speakers);
-    secondarySection = new PanelSpeakerSection(appState, lang, Speaker::Secondary, speakers);
+    auto* primarySection = new SpeakerSection(lang, appState, Speaker::Primary, SpeakerSection::Place::Panel, speakers);
+    auto* secondarySection =
+        new SpeakerSection(lang, appState, Speaker::Secondary, SpeakerSection::Place::Panel, speakers);
     speakerColumn->addWidget(makeDivider(speakers));
     speakerColumn->addWidget(primarySection);
     speakerColumn->addWidget(makeDivider(speakers));
@@ -147,8 +130,6 @@ void MenuBarView::redraw()
     syncCaption->setVisible(!canSync);
 
     speakers->setVisible(on);
-    primarySection->redraw(lang.translate(QStringLiteral("Primary Speaker")));
-    secondarySection->redraw(lang.translate(QStringLiteral("Secondary Speaker")));
 
     openButton->setText(lang.translate(QStringLiteral("Open Main Window")));
     launchAtLogin->setText(lang.translate(QStringLiteral("Launch at Login")));

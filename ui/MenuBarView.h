@@ -22,7 +22,6 @@ class AppState;
 
 namespace orvanta::ui {
 
-class PanelSpeakerSection;
 class StatusDot;
 class ToggleSwitch;
 
@@ -61,8 +60,6 @@ private:
     ToggleSwitch* syncSwitch = nullptr;
     QLabel* syncCaption = nullptr;
     QWidget* speakers = nullptr;
-    PanelSpeakerSection* primarySection = nullptr;
-    PanelSpeakerSection* secondarySection = nullptr;
     QToolButton* openButton = nullptr;
     QCheckBox* launchAtLogin = nullptr;
     QCheckBox* restoreSync = nullptr;

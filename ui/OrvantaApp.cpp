@@ -28,9 +28,8 @@ const QString kRestoreSync = QStringLiteral("Restore sync at start");
 
 } // namespace
 
-OrvantaApp::OrvantaApp(const std::function<i18n::LanguageManager&()>& languageManager,
-                       const std::function<state::AppState&()>& state, ShellServices shellServices)
-    : lang(languageManager()), appState(state()), appDelegate(std::make_unique<AppDelegate>(shellServices.updates)),
+OrvantaApp::OrvantaApp(i18n::LanguageManager& languageManager, state::AppState& state, ShellServices shellServices)
+    : lang(languageManager), appState(state), appDelegate(std::make_unique<AppDelegate>(shellServices.updates)),
       services(std::move(shellServices))
 {
     if (!services.isSystemTrayAvailable) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The application shell. It takes the language manager, then the application state, then makes
-// the delegate, in that order; start() opens the main window, puts the icon in the tray and,
+// The application shell. It takes the language manager and the application state that main()
+// made, and makes the delegate; start() opens the main window, puts the icon in the tray and,
 // once the event loop runs, lets the delegate start the launch-time update check. It holds no
 // logic of its own beyond wiring: "Check for Updates..." (in the main window's Orvanta menu and
 // in the tray icon's menu, retitled when the language changes), the interface direction of the
@@ -51,9 +51,7 @@ class OrvantaApp : public QObject
     Q_OBJECT
 
 public:
-    // The accessors are called in this order: the language manager first, then the state.
-    OrvantaApp(const std::function<i18n::LanguageManager&()>& languageManager,
-               const std::function<state::AppState&()>& appState, ShellServices services);
+    OrvantaApp(i18n::LanguageManager& languageManager, state::AppState& appState, ShellServices services);
     ~OrvantaApp() override;
 
     void start();

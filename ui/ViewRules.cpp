@@ -4,27 +4,6 @@
 
 namespace orvanta::ui {
 
-bool isTreatedAsBluetooth(const state::OptionalDevice& device, const state::OverrideMap& overrides)
-{
-    if (!device) {
-        return false;
-    }
-    if (device->isBluetooth) {
-        return true;
-    }
-    const auto entry = overrides.find(device->uid);
-    return entry != overrides.end() && entry->second;
-}
-
-int storedDelay(const state::OptionalDevice& device, const state::DelayMap& delays)
-{
-    if (!device) {
-        return 0;
-    }
-    const auto entry = delays.find(device->uid);
-    return entry == delays.end() ? 0 : entry->second;
-}
-
 int volumePercent(float volume)
 {
     // Multiplied as a float, as the volume is kept, then truncated toward zero.

@@ -1,14 +1,18 @@
 #pragma once
 
 // Small building blocks of the views: a one-line label that elides, a rounded coloured panel,
-// the status dot, a divider, and a slider that jumps to where it is clicked.
+// the status dot, a divider, a slider that jumps to where it is clicked, and the buttons
+// (defined in Buttons.cpp).
 
 #include "Theme.h"
 
 #include <QFrame>
 #include <QLabel>
+#include <QPushButton>
 #include <QSlider>
 #include <QWidget>
+
+class QToolButton;
 
 namespace orvanta::ui {
 
@@ -110,5 +114,41 @@ int widestNumberWidth(const QFontMetrics& metrics, int digits, const QString& su
 // Draws the widget's text in tint, worked out again from its palette whenever that changes
 // (a switch between light and dark), so the colour stays legible on the new background.
 void applyTint(QWidget* widget, Tint tint);
+
+// A button that shows only a symbol of size pixels, drawn flat until the pointer is over it.
+QToolButton* makeSymbolButton(const QString& symbol, Tint tint, int size, const QString& objectName, QWidget* parent);
+
+// A flat button with a symbol beside its text, the size of the parent's body text.
+QToolButton* makeCommandButton(const QString& symbol, Tint tint, const QString& objectName, QWidget* parent);
+
+// A symbol and a text centred on a lightly tinted rounded rectangle, all of it clickable.
+class SupportButton final : public QPushButton
+{
+public:
+    explicit SupportButton(QWidget* parent);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+};
+
+// A text that opens a web page, drawn like a link.
+class LinkButton final : public QPushButton
+{
+public:
+    explicit LinkButton(QWidget* parent);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+};
 
 } // namespace orvanta::ui

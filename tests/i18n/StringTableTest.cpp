@@ -1,119 +1,51 @@
-// Checks every string table as the program carries it (the compiled-in resource): the right
-// keys in the right order, placeholders intact, no gaps, nothing left untranslated by mistake.
+// Checks every string table as the program carries it (the compiled-in resource): one key set
+// for all translations, placeholders intact, no gaps, nothing left untranslated by mistake.
 
-#include "ExpectedKeys.h"
-#include "ExpectedLanguages.h"
-#include "OrderedJsonObject.h"
-#include "QtPrinters.h"
-
+#include "i18n/StringTable.h"
 #include "i18n/LanguageList.h"
 #include "i18n/LanguageManager.h"
-#include "i18n/StringTable.h"
 #include "sim/services/MemoryUserDefaults.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <optional>
 
 namespace orvanta::testing {
 namespace {
 
-struct TableFile
+struct Table
 {
-    QString displayName;
     QString tableName;
-    QList<JsonMember> members;
+    i18n::StringTable texts;
 
     bool isEnglish() const { return tableName == u"en"; }
-    std::string label() const { return tableName.toStdString(); }
 };
 
-QList<TableFile> loadTableFiles()
+const QList<Table>& tables()
 {
-    QList<TableFile> tables;
-    for (const auto& language : kExpectedLanguages) {
-        QFile file(i18n::stringTablePath(language.tableName));
-        const bool opened = file.open(QIODevice::ReadOnly);
-        const auto members = opened ? readOrderedJsonObject(file.readAll()) : std::nullopt;
-        EXPECT_TRUE(members) << "unreadable table " << file.fileName().toStdString();
-        tables.append(
-            {language.displayName.toString(), language.tableName.toString(), members.value_or(QList<JsonMember>{})});
-    }
-    return tables;
-}
-
-const QList<TableFile>& tableFiles()
-{
-    static const QList<TableFile> tables = loadTableFiles();
-    return tables;
-}
-
-QStringList expectedKeysOf(const TableFile& table)
-{
-    QStringList keys;
-    for (const auto& expected : kExpectedKeys) {
-        if (table.isEnglish() ? expected.inEnglishTable : expected.translated) {
-            keys.append(expected.key.toString());
+    static const QList<Table> loaded = [] {
+        QList<Table> all;
+        for (const auto& entry : i18n::kLanguageList) {
+            all.append({entry.tableName.toString(), i18n::loadStringTable(entry.tableName)});
         }
-    }
-    return keys;
+        return all;
+    }();
+    return loaded;
 }
 
-QStringList keysOf(const TableFile& table)
+// What English shows for a key: the English table's text for a named key, else the key itself.
+QString englishTextOf(const QString& key)
 {
-    QStringList keys;
-    for (const auto& [key, text] : table.members) {
-        keys.append(key);
-    }
-    return keys;
+    return tables().front().texts.value(key, key);
 }
 
-// The text a table holds for a key, if it holds the key.
-std::optional<QString> textOf(const TableFile& table, QStringView key)
+std::string where(const Table& table, const QString& key)
 {
-    const auto member =
-        std::find_if(table.members.begin(), table.members.end(), [key](const JsonMember& m) { return m.first == key; });
-    if (member == table.members.end()) {
-        return std::nullopt;
-    }
-    return member->second;
-}
-
-// Three lines, "1. ", "2. ", "3. " in ASCII digits, one of them naming the product in Latin letters.
-void expectThreeNumberedStepsNaming(const TableFile& table, QStringView key, const QString& name)
-{
-    const auto text = textOf(table, key);
-    ASSERT_TRUE(text) << table.label() << " / " << key.toString().toStdString();
-    const QStringList steps = text->split(u'\n');
-    ASSERT_EQ(steps.size(), 3) << table.label() << " / " << key.toString().toStdString();
-    for (qsizetype i = 0; i < steps.size(); ++i) {
-        EXPECT_TRUE(steps[i].startsWith(QStringLiteral("%1. ").arg(i + 1)))
-            << table.label() << " / " << key.toString().toStdString() << " step " << i + 1;
-        EXPECT_GT(steps[i].trimmed().size(), 3)
-            << table.label() << " / " << key.toString().toStdString() << " step " << i + 1 << " is empty";
-    }
-    EXPECT_TRUE(text->contains(name)) << table.label() << " / " << key.toString().toStdString();
-}
-
-QList<QChar::Script> scriptsOf(const QString& tableName);
-
-// Texts that rightly read the same as in English.
-bool justifiedAsEnglish(const QString& tableName, const QString& key)
-{
-    // "OK" is the usual label of the affirmative button in most languages.
-    if (key == u"OK") {
-        return true;
-    }
-    // "ms" is the international symbol for milliseconds in languages written in Latin letters.
-    if (key == u"%@ ms" && scriptsOf(tableName) == QList<QChar::Script>{QChar::Script_Latin}) {
-        return true;
-    }
-    // Dutch has the word "later" too, and French the word "microphone".
-    return (tableName == u"nl" && key == u"Later") || (tableName == u"fr" && key == u"Microphone");
+    return table.tableName.toStdString() + " / " + key.toStdString();
 }
 
 QList<QChar::Script> scriptsOf(const QString& tableName)
@@ -133,193 +65,136 @@ QList<QChar::Script> scriptsOf(const QString& tableName)
     return scripts.value(tableName, {QChar::Script_Latin});
 }
 
-bool writtenIn(const QString& text, const QList<QChar::Script>& scripts)
+// Texts that rightly read the same as in English.
+bool justifiedAsEnglish(const QString& tableName, const QString& key)
 {
-    const auto codePoints = text.toUcs4();
-    return std::any_of(codePoints.begin(), codePoints.end(),
-                       [&scripts](char32_t c) { return scripts.contains(QChar::script(c)); });
-}
-
-// Every '%' must start one of the two placeholders the callers fill in.
-bool onlyKnownPlaceholders(const QString& text)
-{
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'%' && (i + 1 == text.size() || (text[i + 1] != u'd' && text[i + 1] != u'@'))) {
-            return false;
-        }
+    // "OK" is the usual label of the affirmative button in most languages, and "ms" the
+    // international symbol for milliseconds in languages written in Latin letters.
+    if (key == u"OK" || (key == u"%@ ms" && scriptsOf(tableName) == QList<QChar::Script>{QChar::Script_Latin})) {
+        return true;
     }
-    return true;
+    // Dutch has the word "later" too, and French the word "microphone".
+    return (tableName == u"nl" && key == u"Later") || (tableName == u"fr" && key == u"Microphone");
 }
 
-TEST(StringTables, TheLanguageListNamesEveryTableOnce)
+TEST(StringTables, EveryListedLanguageHasItsOwnTableWithEachKeyOnce)
 {
-    ASSERT_EQ(i18n::kLanguageList.size(), kExpectedLanguages.size());
     QSet<QString> names;
     QSet<QString> files;
-    for (std::size_t i = 0; i < kExpectedLanguages.size(); ++i) {
-        EXPECT_EQ(i18n::kLanguageList[i].displayName, kExpectedLanguages[i].displayName) << i;
-        EXPECT_EQ(i18n::kLanguageList[i].tableName, kExpectedLanguages[i].tableName) << i;
-        names.insert(i18n::kLanguageList[i].displayName.toString());
-        files.insert(i18n::kLanguageList[i].tableName.toString());
-        EXPECT_TRUE(QFile::exists(i18n::stringTablePath(i18n::kLanguageList[i].tableName))) << i;
+    for (const auto& entry : i18n::kLanguageList) {
+        names.insert(entry.displayName.toString());
+        files.insert(entry.tableName.toString());
+        // One member per line: a key written twice would count twice here but once in the table.
+        QFile file(i18n::stringTablePath(entry.tableName));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
+        const auto members = QString::fromUtf8(file.readAll()).count(QRegularExpression(QStringLiteral("\n\\s*\"")));
+        EXPECT_EQ(members, i18n::loadStringTable(entry.tableName).size()) << file.fileName().toStdString();
     }
-    EXPECT_EQ(names.size(), 23);
-    EXPECT_EQ(files.size(), 23);
-}
+    EXPECT_EQ(names.size(), static_cast<qsizetype>(i18n::kLanguageList.size()));
+    EXPECT_EQ(files.size(), names.size());
 
-TEST(StringTables, KeysAreTheExpectedOnesInTableOrder)
-{
-    QSet<QString> allKeys;
-    for (const auto& table : tableFiles()) {
-        const QStringList keys = keysOf(table);
-        EXPECT_EQ(keys, expectedKeysOf(table)) << table.label();
-        EXPECT_EQ(keys.size(), table.isEnglish() ? 64 : 74) << table.label();
-        EXPECT_EQ(QSet<QString>(keys.begin(), keys.end()).size(), keys.size()) << table.label() << ": repeated key";
-        allKeys.unite(QSet<QString>(keys.begin(), keys.end()));
-    }
-    EXPECT_EQ(allKeys.size(), 78);
-}
-
-TEST(StringTables, TheManagerHoldsExactlyTheCompiledTables)
-{
     sim::MemoryUserDefaults defaults;
     const i18n::LanguageManager manager(defaults);
-    for (const auto& table : tableFiles()) {
-        QHash<QString, QString> expected;
-        for (const auto& [key, text] : table.members) {
-            expected.insert(key, text);
-        }
-        EXPECT_EQ(manager.translations().value(table.displayName), expected) << table.label();
+    for (qsizetype i = 0; i < tables().size(); ++i) {
+        EXPECT_EQ(manager.translations().value(i18n::kLanguageList[static_cast<std::size_t>(i)].displayName.toString()),
+                  tables()[i].texts);
     }
 }
 
-TEST(StringTables, EnglishShowsEachKeyAsItsOwnText)
+TEST(StringTables, EveryTranslationHoldsTheSameKeysAndEnglishOnlyWhatItCannotShowAsTheKey)
 {
-    for (const auto& table : tableFiles()) {
+    const auto keySet = [](const Table& table) {
+        const auto keys = table.texts.keys();
+        return QSet<QString>(keys.begin(), keys.end());
+    };
+    const QSet<QString> translated = keySet(tables()[1]);
+    EXPECT_GT(translated.size(), 60);
+    for (const auto& table : tables()) {
         if (!table.isEnglish()) {
-            continue;
-        }
-        for (const auto& [key, text] : table.members) {
-            EXPECT_EQ(text, englishTextOf(key)) << key.toStdString();
+            EXPECT_EQ(keySet(table), translated) << table.tableName.toStdString();
         }
     }
-}
-
-TEST(StringTables, PlaceholdersAreKept)
-{
-    for (const auto& table : tableFiles()) {
-        for (const auto& [key, text] : table.members) {
-            const std::string where = table.label() + " / " + key.toStdString();
-            EXPECT_EQ(text.count(QStringLiteral("%d")), key.count(QStringLiteral("%d"))) << where;
-            EXPECT_EQ(text.count(QStringLiteral("%@")), key.count(QStringLiteral("%@"))) << where;
-            EXPECT_TRUE(onlyKnownPlaceholders(text)) << where;
+    for (auto entry = tables().front().texts.cbegin(); entry != tables().front().texts.cend(); ++entry) {
+        // A named key ("delay_note") holds its English text; any other key is its own English text.
+        const bool named = entry.key().contains(u'_');
+        EXPECT_EQ(entry.value() != entry.key(), named) << entry.key().toStdString();
+        if (named) {
+            EXPECT_TRUE(translated.contains(entry.key())) << entry.key().toStdString();
         }
     }
 }
 
-TEST(StringTables, InstructionsAreThreeNumberedStepsNamingTheProduct)
+TEST(StringTables, TextsKeepTheirPlaceholdersAndHaveNoGapsOrPadding)
 {
-    for (const auto& table : tableFiles()) {
-        expectThreeNumberedStepsNaming(table, kInstructionKey, QStringLiteral("'Orvanta'"));
-    }
-}
-
-TEST(StringTables, TakenKeysStepsAreThreeNumberedStepsNamingTheProduct)
-{
-    for (const auto& table : tableFiles()) {
-        expectThreeNumberedStepsNaming(table, kKeysTakenKey, QStringLiteral("Orvanta"));
-    }
-}
-
-TEST(StringTables, TheVolumeKeyNotesAreSingleParagraphs)
-{
-    for (const auto& table : tableFiles()) {
-        for (const QStringView key : {kKeysTakenReasonKey, kKeysWaylandKey}) {
-            const auto text = textOf(table, key);
-            if (!text) {
-                ADD_FAILURE() << table.label() << " / " << key.toString().toStdString() << " missing";
-                continue;
+    for (const auto& table : tables()) {
+        for (auto entry = table.texts.cbegin(); entry != table.texts.cend(); ++entry) {
+            const QString& text = entry.value();
+            const QString english = englishTextOf(entry.key());
+            EXPECT_EQ(text.count(QStringLiteral("%d")), english.count(QStringLiteral("%d")))
+                << where(table, entry.key());
+            EXPECT_EQ(text.count(QStringLiteral("%@")), english.count(QStringLiteral("%@")))
+                << where(table, entry.key());
+            // Every '%' starts one of the two placeholders the callers fill in.
+            EXPECT_EQ(text.count(u'%'), text.count(QStringLiteral("%d")) + text.count(QStringLiteral("%@")))
+                << where(table, entry.key());
+            EXPECT_FALSE(text.trimmed().isEmpty() || text.front().isSpace()) << where(table, entry.key());
+            if (!entry.key().back().isSpace()) {
+                EXPECT_FALSE(text.back().isSpace()) << where(table, entry.key());
             }
-            EXPECT_FALSE(text->contains(u'\n')) << table.label() << " / " << key.toString().toStdString();
         }
     }
 }
 
-TEST(StringTables, TheWaylandNoteNamesBothSessionKindsAsTheyAre)
+TEST(StringTables, StepsAreThreeNumberedLinesNamingTheProductAndTheKeyNotesOneParagraph)
 {
-    for (const auto& table : tableFiles()) {
-        const auto text = textOf(table, kKeysWaylandKey);
-        if (!text) {
-            ADD_FAILURE() << table.label() << " / " << kKeysWaylandKey.toString().toStdString() << " missing";
-            continue;
+    for (const auto& table : tables()) {
+        for (const QString& key : {QStringLiteral("instruction_text"), QStringLiteral("keys_taken_text")}) {
+            const QStringList steps = table.texts.value(key).split(u'\n');
+            ASSERT_EQ(steps.size(), 3) << where(table, key);
+            for (qsizetype i = 0; i < steps.size(); ++i) {
+                EXPECT_TRUE(steps[i].startsWith(QStringLiteral("%1. ").arg(i + 1))) << where(table, key);
+                EXPECT_GT(steps[i].trimmed().size(), 3) << where(table, key);
+            }
+            EXPECT_TRUE(table.texts.value(key).contains(QStringLiteral("Orvanta"))) << where(table, key);
         }
-        EXPECT_TRUE(text->contains(QStringLiteral("Wayland"))) << table.label();
-        EXPECT_TRUE(text->contains(QStringLiteral("X11"))) << table.label();
+        for (const QString& key : {QStringLiteral("keys_taken_reason"), QStringLiteral("keys_wayland_text")}) {
+            ASSERT_TRUE(table.texts.contains(key)) << where(table, key);
+            EXPECT_FALSE(table.texts.value(key).contains(u'\n')) << where(table, key);
+        }
+        const QString wayland = table.texts.value(QStringLiteral("keys_wayland_text"));
+        EXPECT_TRUE(wayland.contains(QStringLiteral("Wayland")) && wayland.contains(QStringLiteral("X11")))
+            << table.tableName.toStdString();
     }
 }
 
 TEST(StringTables, TheBluetoothDevicePrefixEndsInAColon)
 {
     const QString key = QStringLiteral("Bluetooth device detected: ");
-    for (const auto& table : tableFiles()) {
-        const auto member = std::find_if(table.members.begin(), table.members.end(),
-                                         [&key](const JsonMember& m) { return m.first == key; });
-        ASSERT_NE(member, table.members.end()) << table.label();
+    for (const auto& table : tables()) {
         const bool fullWidth = table.tableName == u"zh" || table.tableName == u"ja";
-        EXPECT_TRUE(member->second.endsWith(fullWidth ? QStringLiteral("：") : QStringLiteral(": "))) << table.label();
+        EXPECT_TRUE(table.texts.value(key, key).endsWith(fullWidth ? QStringLiteral("：") : QStringLiteral(": ")))
+            << table.tableName.toStdString();
     }
 }
 
-TEST(StringTables, NoTextIsEmptyOrPaddedWhereItsKeyIsNot)
+TEST(StringTables, EachTranslationIsWrittenInItsLanguagesScriptAndNothingIsLeftInEnglishWithoutReason)
 {
-    for (const auto& table : tableFiles()) {
-        for (const auto& [key, text] : table.members) {
-            const std::string where = table.label() + " / " + key.toStdString();
-            EXPECT_FALSE(text.trimmed().isEmpty()) << where;
-            EXPECT_FALSE(text.front().isSpace()) << where;
-            if (!key.back().isSpace()) {
-                EXPECT_FALSE(text.back().isSpace()) << where;
-            }
-        }
-    }
-}
-
-TEST(StringTables, NothingIsLeftInEnglishWithoutReason)
-{
-    for (const auto& table : tableFiles()) {
+    for (const auto& table : tables()) {
         if (table.isEnglish()) {
             continue;
         }
-        for (const auto& [key, text] : table.members) {
-            if (!justifiedAsEnglish(table.tableName, key)) {
-                EXPECT_NE(text, englishTextOf(key)) << table.label() << " / " << key.toStdString();
-            }
-        }
-    }
-}
-
-TEST(StringTables, EachTableIsWrittenInItsLanguagesScript)
-{
-    for (const auto& table : tableFiles()) {
         const auto scripts = scriptsOf(table.tableName);
-        for (const auto& [key, text] : table.members) {
-            if (!justifiedAsEnglish(table.tableName, key)) {
-                EXPECT_TRUE(writtenIn(text, scripts)) << table.label() << " / " << key.toStdString();
+        for (auto entry = table.texts.cbegin(); entry != table.texts.cend(); ++entry) {
+            if (justifiedAsEnglish(table.tableName, entry.key())) {
+                continue;
             }
+            EXPECT_NE(entry.value(), englishTextOf(entry.key())) << where(table, entry.key());
+            const auto codePoints = entry.value().toUcs4();
+            EXPECT_TRUE(std::any_of(codePoints.begin(), codePoints.end(), [&scripts](char32_t c) {
+                return scripts.contains(QChar::script(c));
+            })) << where(table, entry.key());
         }
     }
-}
-
-TEST(StringTables, OnlyArabicAndHebrewAreWrittenRightToLeft)
-{
-    int rightToLeft = 0;
-    for (const auto& language : kExpectedLanguages) {
-        const QString name = language.displayName.toString();
-        EXPECT_EQ(i18n::LanguageManager::layoutDirectionOf(name), language.direction) << name.toStdString();
-        rightToLeft += i18n::LanguageManager::layoutDirectionOf(name) == Qt::RightToLeft ? 1 : 0;
-    }
-    EXPECT_EQ(rightToLeft, 2);
-    EXPECT_EQ(i18n::LanguageManager::layoutDirectionOf(QStringLiteral("Klingon")), Qt::LeftToRight);
 }
 
 } // namespace

@@ -38,20 +38,28 @@ TEST_F(BluetoothSettings, DelaysAreClampedAndStoredWhole)
     EXPECT_EQ(memoryDefaults.writes, 4);
 }
 
-TEST_F(BluetoothSettings, EffectiveDelayNeedsBluetoothOrTheMark)
+TEST_F(BluetoothSettings, ADeviceCountsAsBluetoothByItsReportOrTheMarkAndOnlyThenItsDelayApplies)
 {
     auto& app = start();
+    EXPECT_TRUE(app.countsAsBluetooth(kBluetooth));
+    EXPECT_FALSE(app.countsAsBluetooth(kWired));
+    EXPECT_FALSE(app.countsAsBluetooth(std::nullopt));
     EXPECT_EQ(app.effectiveDelay(kBluetooth), 0);
     EXPECT_EQ(app.effectiveDelay(std::nullopt), 0);
     app.setBluetoothDelay(120, kBluetooth);
     app.setBluetoothDelay(200, kWired);
     EXPECT_EQ(app.effectiveDelay(kBluetooth), 120);
     EXPECT_EQ(app.effectiveDelay(kWired), 0);
+    EXPECT_EQ(app.storedDelay(kWired), 200);
     app.setManualBluetoothOverride(true, kWired);
+    EXPECT_TRUE(app.countsAsBluetooth(kWired));
     EXPECT_EQ(app.effectiveDelay(kWired), 200);
+    app.setManualBluetoothOverride(false, kBluetooth); // a device's own report outweighs the mark
+    EXPECT_TRUE(app.countsAsBluetooth(kBluetooth));
     app.setManualBluetoothOverride(false, kWired);
     EXPECT_EQ(app.effectiveDelay(kWired), 0);
-    EXPECT_EQ(memoryDefaults.values.value("manualBluetoothByUID").toMap(), (QVariantMap{{"wired", false}}));
+    EXPECT_EQ(memoryDefaults.values.value("manualBluetoothByUID").toMap(),
+              (QVariantMap{{"bt", false}, {"wired", false}}));
 }
 
 TEST_F(BluetoothSettings, ChangesWhileOffAreOnlyStoredAndUsedAtTheNextSync)
@@ -95,26 +103,19 @@ TEST_F(BluetoothSettings, StoredMapsLoadWholeOrNotAtAll)
     EXPECT_EQ(storedDelays(), (QVariantMap{{"bt", 40}}));
 }
 
-TEST_F(BluetoothSettings, ValuesOfTheWrongKindAreRejected)
+TEST(StoredMaps, ValuesOfTheWrongKindOrOutsideTheLimitsMakeTheStoredMapUnusable)
 {
-    const std::vector<QVariant> badDelays{QVariant("150"), QVariant(true), QVariant(1e12), QVariant(QVariantList{})};
-    for (const auto& bad : badDelays) {
-        EXPECT_FALSE(state::delaysFromStored(QVariantMap{{"x", bad}})) << bad.typeName();
+    EXPECT_EQ(state::delaysFromStored(QVariantMap{{"a", 0}, {"b", 600}, {"c", 200.0}}),
+              (state::DelayMap{{"a", 0}, {"b", 600}, {"c", 200}}));
+    for (const auto& bad : {QVariant("150"), QVariant(true), QVariant(1e12), QVariant(QVariantList{}), QVariant(601),
+                            QVariant(-1), QVariant(2000000000), QVariant(601.0)}) {
+        EXPECT_FALSE(state::delaysFromStored(QVariantMap{{"a", 100}, {"x", bad}})) << bad.toString().toStdString();
     }
     EXPECT_FALSE(state::overridesFromStored(QVariantMap{{"x", 1}}));
     EXPECT_FALSE(state::delaysFromStored(QVariant(5)));
-    EXPECT_EQ(state::delaysFromStored(QVariantMap{{"x", 200.0}}), (state::DelayMap{{"x", 200}}));
 }
 
-TEST_F(BluetoothSettings, AStoredDelayOutsideZeroTo600MakesTheStoredMapUnusable)
-{
-    EXPECT_EQ(state::delaysFromStored(QVariantMap{{"a", 0}, {"b", 600}}), (state::DelayMap{{"a", 0}, {"b", 600}}));
-    for (const auto& bad : {QVariant(601), QVariant(-1), QVariant(2000000000), QVariant(600.0 + 1)}) {
-        EXPECT_FALSE(state::delaysFromStored(QVariantMap{{"a", 100}, {"x", bad}})) << bad.toString().toStdString();
-    }
-}
-
-TEST_F(BluetoothSettings, AHugeStoredDelayIsIgnoredWholeAndReplacedAtTheNextChange)
+TEST_F(BluetoothSettings, SurviveARestartInTheSettingsFileWhereAnUnusableMapIsReplacedAtTheNextChange)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("settings.json");
@@ -123,21 +124,10 @@ TEST_F(BluetoothSettings, AHugeStoredDelayIsIgnoredWholeAndReplacedAtTheNextChan
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(R"({"bluetoothDelaysByUID": {"bt": 150, "other": 2000000000}})");
     }
-    linux_platform::JsonFileUserDefaults stored(path);
-    auto& app = start(&stored);
-    EXPECT_TRUE(app.bluetoothDelays().empty());
-    app.setBluetoothDelay(90, kBluetooth);
-    linux_platform::JsonFileUserDefaults reopened(path);
-    EXPECT_EQ(reopened.value("bluetoothDelaysByUID").toMap(), (QVariantMap{{"bt", 90}}));
-}
-
-TEST_F(BluetoothSettings, SurviveARestartInTheSettingsFile)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("orvanta/settings.json");
     {
         linux_platform::JsonFileUserDefaults file(path);
         auto& app = start(&file);
+        EXPECT_TRUE(app.bluetoothDelays().empty());
         app.setBluetoothDelay(175, kBluetooth);
         app.setManualBluetoothOverride(true, kWired);
         appState.reset();

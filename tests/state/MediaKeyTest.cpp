@@ -27,12 +27,13 @@ protected:
 
     void SetUp() override
     {
-        mediaKeys.onMasterVolumeChange = [this](float step) { steps.push_back(step); };
+        QObject::connect(&mediaKeys, &state::MediaKeyManager::masterVolumeStep,
+                         [this](float step) { steps.push_back(step); });
         mediaKeys.start();
     }
 };
 
-TEST_F(MediaKeys, VolumeKeyDownsAreDroppedAndBecomeStepsAfterTheCallback)
+TEST_F(MediaKeys, VolumeKeyDownsAreDroppedAndAnnouncedAsStepsAfterTheTapReturns)
 {
     EXPECT_FALSE(taps.inject(mediaKey(0, kDown)));
     EXPECT_FALSE(taps.inject(mediaKey(1, kDown, 1))); // a repeat counts as a press
@@ -57,13 +58,6 @@ TEST_F(MediaKeys, EverythingElsePassesOnUntouched)
     EXPECT_THAT(steps, IsEmpty());
 }
 
-TEST_F(MediaKeys, WithoutACallbackThePressIsStillDropped)
-{
-    mediaKeys.onMasterVolumeChange = nullptr;
-    EXPECT_FALSE(taps.inject(mediaKey(0, kDown)));
-    drainEvents();
-}
-
 TEST(MediaKeyStart, WithoutPermissionPrintsTheFailureAndKeepsNoTap)
 {
     StateFixture fixture;
@@ -73,20 +67,14 @@ TEST(MediaKeyStart, WithoutPermissionPrintsTheFailureAndKeepsNoTap)
     EXPECT_THAT(fixture.sim.printed.lines,
                 ElementsAre("❌ Failed to create Event Tap. Check Accessibility Permissions."));
 
-    fixture.taps.allowed = true; // trust arrives: the next start succeeds
+    fixture.taps.allowed = true; // trust arrives: the next start succeeds, and one after it reuses the tap
+    fixture.mediaKeys.start();
     fixture.mediaKeys.start();
     EXPECT_TRUE(fixture.mediaKeys.hasTap());
-}
-
-TEST(MediaKeyStart, StartingAgainReusesTheTap)
-{
-    StateFixture fixture;
-    fixture.mediaKeys.start();
-    fixture.mediaKeys.start();
     EXPECT_EQ(fixture.taps.created, 1);
 }
 
-TEST(MediaKeyVolume, EightPressesDownFromHalfReachSilenceAndStayThere)
+TEST(MediaKeyVolume, EightPressesDownFromHalfReachSilenceAndStayThereAlsoAfterSyncIsOff)
 {
     StateFixture fixture;
     auto& app = fixture.start();
@@ -104,19 +92,13 @@ TEST(MediaKeyVolume, EightPressesDownFromHalfReachSilenceAndStayThere)
     EXPECT_EQ(app.volume2(), 0.0f);
     EXPECT_EQ(fixture.sim.system.device(fixture.sim.idOf("spk"))->spec.virtualMainVolume.level, 0.0f);
     EXPECT_EQ(fixture.sim.system.device(fixture.sim.idOf("bt"))->spec.channelVolumes[1].level, 0.0f);
-}
 
-TEST(MediaKeyVolume, KeysKeepWorkingAfterSyncIsOff)
-{
-    StateFixture fixture;
-    auto& app = fixture.start();
-    fixture.selectBoth();
-    app.enableSync();
+    // The keys keep working after sync is off.
     app.disableSync();
     fixture.taps.inject(mediaKey(0, kDown));
     drainEvents();
-    EXPECT_EQ(app.volume1(), 0.5625f);
-    EXPECT_EQ(fixture.sim.printed.lines.back(), "✅ Volume set via VolumeScalar for bt: 0.5625");
+    EXPECT_EQ(app.volume1(), 0.0625f);
+    EXPECT_EQ(fixture.sim.printed.lines.back(), "✅ Volume set via VolumeScalar for bt: 0.0625");
 }
 
 } // namespace

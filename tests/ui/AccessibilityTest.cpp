@@ -1,12 +1,14 @@
-// What a screen reader and the keyboard get: every control in the accessibility tree of the main
-// window and of the tray panel has a name (the sliders name their speaker), the panel is in the
-// tree under the program's name, and Tab goes through the controls in the order they are seen.
+// The views at larger text, for a screen reader and the keyboard: every control in the
+// accessibility tree of the main window and of the tray panel has a name (the sliders name their
+// speaker), the panel is in the tree under the program's name, Tab goes through the controls in
+// the order they are seen, and no one-line text is cut in any language.
 
-#include "ScaledViews.h"
+#include "UiFixture.h"
 
 #include "ui/ContentView.h"
 #include "ui/MainWindow.h"
 #include "ui/MenuBarView.h"
+#include "ui/Widgets.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -82,17 +84,37 @@ void expectReadingOrder(QWidget* root)
     }
 }
 
+// Every one-line text shown in root is as wide as its text needs.
+void expectNothingCut(const QWidget* root, const std::string& where)
+{
+    for (const QLabel* label : root->findChildren<QLabel*>()) {
+        if (shown(label) && !label->wordWrap() && !label->text().isEmpty() &&
+            qobject_cast<const ui::ElidedLabel*>(label) == nullptr) {
+            EXPECT_GE(label->contentsRect().width(), label->fontMetrics().horizontalAdvance(label->text()))
+                << where << ": " << label->objectName().toStdString() << " \"" << label->text().toStdString() << "\"";
+        }
+    }
+    for (const QAbstractButton* button : root->findChildren<QAbstractButton*>()) {
+        if (shown(button) && !button->text().isEmpty()) {
+            EXPECT_GE(button->width(), button->sizeHint().width())
+                << where << ": " << button->objectName().toStdString();
+        }
+    }
+}
+
 class Accessibility : public ScaledViews
 {};
 
-TEST_P(Accessibility, EveryControlOfTheMainWindowHasANameAndTabReadsInOrder)
+TEST_P(Accessibility, EveryControlOfTheMainWindowHasANameTabReadsInOrderAndNoTextIsCut)
 {
     syncTwoBluetoothSpeakers();
     ui::MainWindow window(lang, *appState, services());
     window.show();
-    for (const QString& language : {QStringLiteral("English"), QStringLiteral("العربية")}) {
+    for (const QString& language : {QStringLiteral("English"), QStringLiteral("العربية"), QStringLiteral("Deutsch"),
+                                    QStringLiteral("Bahasa Indonesia"), QStringLiteral("Кыргызча")}) {
         lang.setCurrentLanguage(language);
         drainEvents();
+        expectNothingCut(window.content(), language.toStdString() + " at " + std::to_string(GetParam()));
         std::vector<Control> controls;
         collectControls(QAccessible::queryAccessibleInterface(&window), controls);
         ASSERT_GT(controls.size(), 10u);
@@ -110,7 +132,7 @@ TEST_P(Accessibility, EveryControlOfTheMainWindowHasANameAndTabReadsInOrder)
     }
 }
 
-TEST_P(Accessibility, ThePanelIsInTheTreeWithEveryControlNamedAndInOrder)
+TEST_P(Accessibility, ThePanelIsInTheTreeWithEveryControlNamedInOrderAndUncut)
 {
     syncTwoBluetoothSpeakers();
     ui::MenuBarView panel(*appState, lang, {}, {});
@@ -132,6 +154,10 @@ TEST_P(Accessibility, ThePanelIsInTheTreeWithEveryControlNamedAndInOrder)
                               QStringLiteral("Increase by 5 ms"), QStringLiteral("Launch at Login"),
                               QStringLiteral("Restore sync at start"), QStringLiteral("Quit")}));
     expectReadingOrder(&panel);
+    // Percentages and delays are shown whole.
+    EXPECT_EQ(child<QLabel>(child<QWidget>(&panel, "primarySpeaker"), "percentLabel")->text(), "100%");
+    EXPECT_EQ(child<QLabel>(child<QWidget>(&panel, "primarySpeaker"), "delayLabel")->text(), "595 ms");
+    expectNothingCut(&panel, "panel at " + std::to_string(GetParam()));
 
     // The keyboard starts on the panel's first control.
     panel.activateWindow();
@@ -139,7 +165,7 @@ TEST_P(Accessibility, ThePanelIsInTheTreeWithEveryControlNamedAndInOrder)
     EXPECT_EQ(QApplication::focusWidget(), tabOrder(&panel).front());
 }
 
-INSTANTIATE_TEST_SUITE_P(TextSizes, Accessibility, ::testing::Values(1.0, 1.5));
+INSTANTIATE_TEST_SUITE_P(TextSizes, Accessibility, ::testing::Values(1.0, 1.25, 1.5));
 
 } // namespace
 } // namespace orvanta::testing

@@ -1,7 +1,7 @@
 // The main window on a 1366x768 laptop, at 100 % and 125 % text: in every state it stays on the
 // screen, its column keeps its 420 pixels, and what does not fit is reached by scrolling.
 
-#include "ScaledViews.h"
+#include "UiFixture.h"
 
 #include "services/SimulatedSoundSystemStatus.h"
 #include "ui/ContentView.h"

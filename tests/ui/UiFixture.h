@@ -1,7 +1,8 @@
 #pragma once
 
 // Views over an AppState on the simulated sound system, with simulated dialogs, browser and
-// build information, and a language manager of their own.
+// build information, and a language manager of their own; the main window's content built on
+// first use; and the same at a larger text size over two Bluetooth speakers.
 
 #include "support/EventLoop.h"
 #include "support/StateFixture.h"
@@ -10,17 +11,20 @@
 #include "services/SimulatedAlerts.h"
 #include "services/SimulatedBundleInfo.h"
 #include "services/SimulatedWorkspace.h"
+#include "ui/ContentView.h"
 #include "ui/ViewServices.h"
 
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QLabel>
 #include <QSlider>
 #include <QTest>
 #include <QWidget>
 
+#include <memory>
 #include <string>
 
 namespace orvanta::testing {
@@ -31,42 +35,14 @@ inline sim::DeviceSpec withHardwareVolume(sim::DeviceSpec device)
     return device;
 }
 
-struct UiFixture : StateFixture
+inline std::vector<sim::DeviceSpec> twoBluetoothSpeakers()
 {
-    explicit UiFixture(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth()) : StateFixture(std::move(devices))
-    {
-        start();
-        sim.reset();
-    }
-
-    ui::ViewServices services() { return {sim.audio, mediaKeys, trust, alerts, workspace, &bundle}; }
-
-    state::OptionalDevice device(const std::string& uid) const
-    {
-        for (const auto& listed : appState->devices()) {
-            if (listed.uid == uid) {
-                return listed;
-            }
-        }
-        return std::nullopt;
-    }
-
-    int volumeLines() const
-    {
-        int count = 0;
-        for (const auto& line : sim.printed.lines) {
-            if (line.rfind("✅ Volume set via", 0) == 0) {
-                ++count;
-            }
-        }
-        return count;
-    }
-
-    sim::SimulatedAlerts alerts;
-    sim::SimulatedWorkspace workspace;
-    sim::SimulatedBundleInfo bundle{QStringLiteral("1.0.0")};
-    i18n::LanguageManager lang{memoryDefaults};
-};
+    auto devices = speakersAndBluetooth();
+    auto second = outputDevice("Bahasa Indonesia Soundbar", "bt2", hal::kAudioDeviceTransportTypeBluetooth, 44100);
+    second.channelVolumes = {volumeControl(), volumeControl()};
+    devices.push_back(second);
+    return devices;
+}
 
 // The child of root with that object name and type; fails the test when there is none.
 template <typename T> T* child(const QObject* root, const char* name)
@@ -102,5 +78,117 @@ inline void dragSlider(QSlider* slider, std::initializer_list<int> positions)
     }
     slider->setSliderDown(false);
 }
+
+// Picks entry index of a picker the way the keyboard does.
+inline void pick(QComboBox* picker, int index)
+{
+    ASSERT_NE(picker, nullptr);
+    picker->setFocus();
+    QTest::keyClick(picker, Qt::Key_Home);
+    for (int i = 0; i < index; ++i) {
+        QTest::keyClick(picker, Qt::Key_Down);
+    }
+    ASSERT_EQ(picker->currentIndex(), index);
+}
+
+struct UiFixture : StateFixture
+{
+    explicit UiFixture(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth()) : StateFixture(std::move(devices))
+    {
+        start();
+        sim.reset();
+    }
+
+    ui::ViewServices services() { return {sim.audio, mediaKeys, trust, alerts, workspace, &bundle}; }
+
+    state::OptionalDevice device(const std::string& uid) const
+    {
+        for (const auto& listed : appState->devices()) {
+            if (listed.uid == uid) {
+                return listed;
+            }
+        }
+        return std::nullopt;
+    }
+
+    int volumeLines() const
+    {
+        return static_cast<int>(std::count_if(sim.printed.lines.begin(), sim.printed.lines.end(),
+                                              [](const auto& line) { return line.rfind("✅ Volume set via", 0) == 0; }));
+    }
+
+    // The main window's content, made on first use.
+    ui::ContentView& view()
+    {
+        if (!content) {
+            content = std::make_unique<ui::ContentView>(lang, *appState, services());
+        }
+        return *content;
+    }
+    QWidget* block(const char* name) { return child<QWidget>(&view(), name); }
+    void pickBoth(int primary, int secondary)
+    {
+        pick(child<QComboBox>(&view(), "primaryPicker"), primary);
+        pick(child<QComboBox>(&view(), "secondaryPicker"), secondary);
+    }
+    void turnSyncOn()
+    {
+        click(child<QAbstractButton>(&view(), "syncSwitch"));
+        drainEvents();
+    }
+
+    sim::SimulatedAlerts alerts;
+    sim::SimulatedWorkspace workspace;
+    sim::SimulatedBundleInfo bundle{QStringLiteral("1.0.0")};
+    i18n::LanguageManager lang{memoryDefaults};
+    std::unique_ptr<ui::ContentView> content;
+};
+
+class MainWindowContent : public ::testing::Test, public UiFixture
+{
+protected:
+    explicit MainWindowContent(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth())
+        : UiFixture(std::move(devices))
+    {}
+};
+
+// The application font at a scale, for the life of the object.
+class TextScale
+{
+public:
+    explicit TextScale(double scale) : saved(QApplication::font())
+    {
+        QFont scaled = saved;
+        scaled.setPointSizeF(saved.pointSizeF() * scale);
+        QApplication::setFont(scaled);
+    }
+    ~TextScale() { QApplication::setFont(saved); }
+    TextScale(const TextScale&) = delete;
+    TextScale& operator=(const TextScale&) = delete;
+
+private:
+    QFont saved;
+};
+
+// Views over two Bluetooth speakers at a text scale, so that every row the views have is shown.
+class ScaledViews : public ::testing::TestWithParam<double>, public UiFixture
+{
+protected:
+    ScaledViews() : UiFixture(twoBluetoothSpeakers()) {}
+
+    // Both Bluetooth speakers synced, the primary at full volume, delays of three digits.
+    void syncTwoBluetoothSpeakers()
+    {
+        appState->setSelectedDevice1(device("bt"));
+        appState->setSelectedDevice2(device("bt2"));
+        appState->setVolume1(1.0f);
+        appState->setBluetoothDelay(595, device("bt"));
+        appState->setBluetoothDelay(600, device("bt2"));
+        appState->enableSync();
+        ASSERT_TRUE(appState->isQuellonOn());
+    }
+
+    TextScale text{GetParam()};
+};
 
 } // namespace orvanta::testing

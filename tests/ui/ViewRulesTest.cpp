@@ -9,45 +9,10 @@
 namespace orvanta::testing {
 namespace {
 
-const audio::AudioDeviceOption kWired{"Desk", "desk", false};
-const audio::AudioDeviceOption kRadio{"Radio", "radio", true};
-
-TEST(ViewRules, ADeviceCountsAsBluetoothByItsReportOrByTheUsersMark)
+TEST(ViewRules, PercentagesDropTheFractionAndOneIntegerIsFilledIntoATranslatedFormat)
 {
-    EXPECT_FALSE(ui::isTreatedAsBluetooth(std::nullopt, {{"desk", true}}));
-    EXPECT_TRUE(ui::isTreatedAsBluetooth(kRadio, {}));
-    EXPECT_TRUE(ui::isTreatedAsBluetooth(kRadio, {{"radio", false}}));
-    EXPECT_FALSE(ui::isTreatedAsBluetooth(kWired, {}));
-    EXPECT_FALSE(ui::isTreatedAsBluetooth(kWired, {{"desk", false}}));
-    EXPECT_TRUE(ui::isTreatedAsBluetooth(kWired, {{"desk", true}}));
-}
-
-TEST(ViewRules, TheStoredDelayIsZeroWithoutAnEntry)
-{
-    EXPECT_EQ(ui::storedDelay(kWired, {}), 0);
-    EXPECT_EQ(ui::storedDelay(std::nullopt, {{"desk", 40}}), 0);
-    EXPECT_EQ(ui::storedDelay(kWired, {{"desk", 40}, {"radio", 90}}), 40);
-}
-
-TEST(ViewRules, PercentagesDropTheFraction)
-{
-    EXPECT_EQ(ui::volumePercent(0.999f), 99);
-    EXPECT_EQ(ui::volumePercent(1.0f), 100);
-    EXPECT_EQ(ui::volumePercent(0.0f), 0);
-    EXPECT_EQ(ui::volumePercent(0.505f), 50);
     EXPECT_EQ(ui::volumePercent(0.0625f), 6);
-}
-
-TEST(ViewRules, SliderValuesRoundHalvesAwayFromZero)
-{
-    EXPECT_EQ(ui::roundedDelay(123.4), 123);
-    EXPECT_EQ(ui::roundedDelay(123.5), 124);
-    EXPECT_EQ(ui::roundedDelay(0.49), 0);
-    EXPECT_EQ(ui::roundedDelay(599.5), 600);
-}
-
-TEST(ViewRules, OneIntegerIsFilledIntoATranslatedFormat)
-{
+    EXPECT_EQ(ui::volumePercent(0.505f), 50);
     EXPECT_EQ(ui::formatWithInteger("Decrease by %d ms", 5), "Decrease by 5 ms");
     EXPECT_EQ(ui::formatWithInteger("%d ms kürzer", 5), "5 ms kürzer");
     EXPECT_EQ(ui::formatWithInteger("減らす %1$d ms", 5), "減らす 5 ms");
@@ -56,19 +21,6 @@ TEST(ViewRules, OneIntegerIsFilledIntoATranslatedFormat)
     EXPECT_EQ(ui::formatWithInteger("%d and %d", 5), "5 and %d");
     EXPECT_EQ(ui::formatWithInteger("%@ stays, 50% too", 5), "%@ stays, 50% too");
     EXPECT_EQ(ui::formatWithInteger("trailing %", 5), "trailing %");
-}
-
-TEST(Symbols, EverySymbolTheViewsNameIsCarried)
-{
-    for (const char* name :
-         {"speaker.wave.2.fill", "speaker.wave.2", "speaker.fill", "lock.shield.fill", "arrow.clockwise",
-          "arrow.counterclockwise", "wave.3.right.circle.fill", "info.circle.fill", "exclamationmark.triangle.fill",
-          "cup.and.saucer.fill", "minus.circle.fill", "plus.circle.fill", "macwindow", "power"}) {
-        EXPECT_TRUE(ui::hasSymbol(name)) << name;
-        EXPECT_FALSE(ui::symbolPixmap(name, Qt::black, 16).isNull()) << name;
-    }
-    EXPECT_FALSE(ui::hasSymbol("no.such.symbol"));
-    EXPECT_TRUE(ui::symbolPixmap("no.such.symbol", Qt::black, 16).isNull());
 }
 
 // The share of pixels drawn in exactly that colour, among those drawn at all.
@@ -88,8 +40,17 @@ double shareOf(const QImage& image, QRgb color)
     return drawn == 0 ? 0.0 : static_cast<double>(matching) / drawn;
 }
 
-TEST(Symbols, ASymbolIsDrawnInTheTintItIsGiven)
+TEST(Symbols, EverySymbolTheViewsNameIsCarriedAndDrawnInTheTintItIsGiven)
 {
+    for (const char* name :
+         {"speaker.wave.2.fill", "speaker.wave.2", "speaker.fill", "lock.shield.fill", "arrow.clockwise",
+          "arrow.counterclockwise", "wave.3.right.circle.fill", "info.circle.fill", "exclamationmark.triangle.fill",
+          "cup.and.saucer.fill", "minus.circle.fill", "plus.circle.fill", "macwindow", "power"}) {
+        EXPECT_TRUE(ui::hasSymbol(name)) << name;
+        EXPECT_FALSE(ui::symbolPixmap(name, Qt::black, 16).isNull()) << name;
+    }
+    EXPECT_FALSE(ui::hasSymbol("no.such.symbol"));
+    EXPECT_TRUE(ui::symbolPixmap("no.such.symbol", Qt::black, 16).isNull());
     const QImage red = ui::symbolPixmap("speaker.fill", QColor(200, 0, 0), 32).toImage();
     const QImage blue = ui::symbolPixmap("speaker.fill", QColor(0, 0, 200), 32).toImage();
     EXPECT_GT(shareOf(red, qRgb(200, 0, 0)), 0.9);
@@ -105,8 +66,6 @@ TEST(Symbols, TheProgramsIconAndTheTrayIconsAreDrawn)
     ASSERT_FALSE(icon.isNull());
     EXPECT_EQ(qAlpha(icon.pixel(32, 32)), 255);
     EXPECT_EQ(qAlpha(icon.pixel(0, 0)), 0); // rounded corners
-    EXPECT_EQ(ui::TrayIcon::symbolFor(true), "speaker.wave.2.fill");
-    EXPECT_EQ(ui::TrayIcon::symbolFor(false), "speaker.wave.2");
     const QImage on = ui::TrayIcon::iconFor(true).pixmap(22).toImage();
     const QImage off = ui::TrayIcon::iconFor(false).pixmap(22).toImage();
     EXPECT_NE(on, off);

@@ -1,13 +1,34 @@
-#include "FooterButtons.h"
+#include "Widgets.h"
 
 #include "Symbols.h"
 #include "Theme.h"
 
 #include <QPainter>
+#include <QToolButton>
 
 #include <algorithm>
 
 namespace orvanta::ui {
+
+QToolButton* makeSymbolButton(const QString& symbol, Tint tint, int size, const QString& objectName, QWidget* parent)
+{
+    auto* button = new QToolButton(parent);
+    button->setObjectName(objectName);
+    button->setIcon(symbolIcon(symbol, tint));
+    button->setIconSize(QSize(size, size));
+    button->setAutoRaise(true);
+    button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    button->setCursor(Qt::PointingHandCursor);
+    return button;
+}
+
+QToolButton* makeCommandButton(const QString& symbol, Tint tint, const QString& objectName, QWidget* parent)
+{
+    const int size = symbolSize(TextStyle::Body, parent->font()) - 2;
+    auto* button = makeSymbolButton(symbol, tint, size, objectName, parent);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    return button;
+}
 
 SupportButton::SupportButton(QWidget* parent) : QPushButton(parent)
 {

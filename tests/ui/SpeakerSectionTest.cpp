@@ -1,0 +1,226 @@
+// One speaker as the main window and the tray panel show it: the Bluetooth mark, the check box,
+// the volume slider, and the delay controls with their steps, bounds and slider.
+
+#include "UiFixture.h"
+
+#include "ui/SpeakerSection.h"
+#include "ui/TickSlider.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QToolButton>
+
+namespace orvanta::testing {
+namespace {
+
+using Place = ui::SpeakerSection::Place;
+
+class SpeakerSection : public ::testing::Test, public UiFixture
+{
+protected:
+    SpeakerSection()
+    {
+        selectBoth();
+        appState->enableSync();
+        sim.reset();
+    }
+
+    // The section of the speaker, made on first use.
+    ui::SpeakerSection& section(ui::Speaker speaker = ui::Speaker::Secondary, Place place = Place::Window)
+    {
+        auto& made = sections[{speaker, place}];
+        if (!made) {
+            made = std::make_unique<ui::SpeakerSection>(lang, *appState, speaker, place);
+            made->resize(300, made->sizeHint().height());
+        }
+        return *made;
+    }
+
+    QString shownDelay(Place place = Place::Window)
+    {
+        return child<QLabel>(&section(ui::Speaker::Secondary, place), "delayLabel")->text();
+    }
+    QToolButton* button(const char* name, Place place = Place::Window)
+    {
+        return child<QToolButton>(&section(ui::Speaker::Secondary, place), name);
+    }
+    ui::TickSlider* slider() { return child<ui::TickSlider>(&section(), "delaySlider"); }
+    int stored() { return appState->bluetoothDelays().count("bt") ? appState->bluetoothDelays().at("bt") : -1; }
+
+    std::map<std::pair<ui::Speaker, Place>, std::unique_ptr<ui::SpeakerSection>> sections;
+};
+
+TEST_F(SpeakerSection, ABluetoothSpeakerHasItsMarkAndDelayAWiredOneTheCheckBoxThatMarksIt)
+{
+    ui::SpeakerSection& bluetooth = section(ui::Speaker::Secondary);
+    EXPECT_TRUE(shown(child<QWidget>(&bluetooth, "bluetoothMark")));
+    EXPECT_TRUE(shown(child<QWidget>(&bluetooth, "delayControls")));
+    EXPECT_FALSE(shown(child<QWidget>(&bluetooth, "bluetoothCheckbox")));
+    EXPECT_EQ(child<QLabel>(&bluetooth, "nameLabel")->text(), "BT Speaker");
+
+    ui::SpeakerSection& wired = section(ui::Speaker::Primary);
+    ui::SpeakerSection& wiredInPanel = section(ui::Speaker::Primary, Place::Panel);
+    auto* checkbox = child<QAbstractButton>(&wired, "bluetoothCheckbox");
+    EXPECT_FALSE(shown(child<QWidget>(&wired, "delayControls")));
+    EXPECT_EQ(wiredInPanel.findChild<QWidget*>("bluetoothCheckbox"), nullptr);
+    click(checkbox);
+    EXPECT_EQ(appState->manualBluetoothOverrides(), (state::OverrideMap{{"spk", true}}));
+    for (QWidget* shownIn : {static_cast<QWidget*>(&wired), static_cast<QWidget*>(&wiredInPanel)}) {
+        EXPECT_TRUE(shown(child<QWidget>(shownIn, "bluetoothMark")));
+        EXPECT_TRUE(shown(child<QWidget>(shownIn, "delayControls")));
+    }
+    click(child<QAbstractButton>(&wired, "increaseButton"));
+    click(checkbox);
+    EXPECT_FALSE(checkbox->isChecked());
+    EXPECT_FALSE(shown(child<QWidget>(&wiredInPanel, "delayControls")));
+    EXPECT_EQ(appState->bluetoothDelays().at("spk"), 5); // the delay is kept for a later mark
+}
+
+TEST_F(SpeakerSection, StepsOfFiveHoldWithinZeroAnd600AndResetShowsOnlyAwayFromZero)
+{
+    EXPECT_EQ(shownDelay(), "0 ms");
+    EXPECT_FALSE(shown(button("resetButton")));
+    click(button("decreaseButton"));
+    EXPECT_EQ(stored(), 0);
+    for (int i = 0; i < 3; ++i) {
+        click(button("increaseButton"));
+    }
+    EXPECT_EQ(stored(), 15);
+    EXPECT_EQ(shownDelay(), "15 ms");
+    EXPECT_EQ(shownDelay(Place::Panel), "15 ms");
+    EXPECT_DOUBLE_EQ(slider()->doubleValue(), 15.0);
+    click(button("resetButton"));
+    EXPECT_EQ(stored(), 0);
+    EXPECT_FALSE(shown(button("resetButton")));
+
+    appState->setBluetoothDelay(600, kBluetooth);
+    click(button("increaseButton", Place::Panel));
+    EXPECT_EQ(stored(), 600);
+    EXPECT_DOUBLE_EQ(slider()->maximumValue(), 600.0);
+    EXPECT_EQ(slider()->numberOfTickMarks(), 13);
+}
+
+TEST_F(SpeakerSection, TheWindowsSliderStoresWholeMillisecondsAndLeavesTheKnobUnderThePointer)
+{
+    dragSlider(slider(), {5000, 12340});
+    EXPECT_EQ(stored(), 123);
+    EXPECT_EQ(shownDelay(), "123 ms");
+    // Within the dead band: the knob stays under the pointer, not snapped to 123.
+    EXPECT_DOUBLE_EQ(slider()->doubleValue(), 123.4);
+    dragSlider(slider(), {12350});
+    EXPECT_EQ(stored(), 124);
+    EXPECT_DOUBLE_EQ(slider()->doubleValue(), 123.5);
+
+    // The step buttons move from the value shown, not to the next multiple of five.
+    click(button("decreaseButton"));
+    EXPECT_EQ(stored(), 119);
+    // A change made elsewhere moves the knob.
+    appState->setBluetoothDelay(301, kBluetooth);
+    EXPECT_DOUBLE_EQ(slider()->doubleValue(), 301.0);
+}
+
+TEST_F(SpeakerSection, DraggingWithThePointerStoresWholeMillisecondsAnywhereOnTheTrack)
+{
+    section().show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&section()));
+    ui::TickSlider* track = slider();
+    const int middle = track->height() / 2;
+    QTest::mousePress(track, Qt::LeftButton, {}, QPoint(4, middle));
+    QTest::mouseMove(track, QPoint(track->width() / 3, middle));
+    QTest::mouseMove(track, QPoint(track->width() * 2 / 5 + 3, middle));
+    QTest::mouseRelease(track, Qt::LeftButton, {}, QPoint(track->width() * 2 / 5 + 3, middle));
+    const int delay = stored();
+    EXPECT_GT(delay, 150);
+    EXPECT_LT(delay, 300);
+    EXPECT_LE(std::abs(track->doubleValue() - delay), 0.5);
+}
+
+TEST_F(SpeakerSection, ThePanelsSliderMovesInStepsOfFive)
+{
+    auto* panelSlider = child<QSlider>(&section(ui::Speaker::Secondary, Place::Panel), "delaySlider");
+    dragSlider(panelSlider, {10, 24});
+    EXPECT_EQ(stored(), 120);
+    EXPECT_EQ(shownDelay(Place::Panel), "120 ms");
+    appState->setBluetoothDelay(600, kBluetooth);
+    EXPECT_EQ(panelSlider->value(), panelSlider->maximum());
+}
+
+TEST_F(SpeakerSection, WhileSyncIsOnADelayReachesTheRunningStackedDevice)
+{
+    click(button("increaseButton"));
+    EXPECT_EQ(sim.printed.lines, (std::vector<std::string>{"⏱️ Real-time latency set on bt: 5ms (221.0 frames)"}));
+}
+
+TEST_F(SpeakerSection, TheVolumeSliderWritesEveryMoveButReachesTheDevicesOnlyAtTheStartAndEndOfAnEdit)
+{
+    auto* slider = child<QSlider>(&section(ui::Speaker::Primary), "volumeSlider");
+    EXPECT_EQ(slider->value(), 500);
+    dragSlider(slider, {600, 700, 800});
+    EXPECT_FLOAT_EQ(appState->volume1(), 0.8f);
+    EXPECT_EQ(volumeLines(), 4); // both devices, at the press and at the release
+    EXPECT_THAT(sim.printed.lines, ::testing::Contains(::testing::HasSubstr("for spk: 0.8")));
+
+    sim.reset();
+    QTest::keyClick(slider, Qt::Key_Left);
+    EXPECT_FLOAT_EQ(appState->volume1(), 0.79f);
+    EXPECT_EQ(volumeLines(), 2);
+
+    sim.reset();
+    section(ui::Speaker::Primary).show();
+    QTest::mouseClick(slider, Qt::LeftButton, {}, QPoint(slider->width() / 4, slider->height() / 2));
+    EXPECT_LT(appState->volume1(), 0.5f);
+    EXPECT_EQ(volumeLines(), 4);
+}
+
+TEST_F(SpeakerSection, ThePanelShowsTheVolumeAsAPercentageWithTheFractionDropped)
+{
+    auto* percent = child<QLabel>(&section(ui::Speaker::Primary, Place::Panel), "percentLabel");
+    appState->setVolume1(0.999f);
+    EXPECT_EQ(percent->text(), "99%");
+    appState->setVolume1(1.0f);
+    EXPECT_EQ(percent->text(), "100%");
+    dragSlider(child<QSlider>(&section(ui::Speaker::Primary, Place::Panel), "volumeSlider"), {600, 250});
+    EXPECT_EQ(percent->text(), "25%");
+}
+
+TEST_F(SpeakerSection, HelpTextsAreTheTranslatedFormatsWithTheStepFilledIn)
+{
+    EXPECT_EQ(button("decreaseButton")->toolTip(), "Decrease by 5 ms");
+    EXPECT_EQ(button("increaseButton", Place::Panel)->toolTip(), "Increase by 5 ms");
+    appState->setBluetoothDelay(10, kBluetooth);
+    lang.setCurrentLanguage(QStringLiteral("Español"));
+    EXPECT_EQ(button("decreaseButton")->toolTip(), "Disminuir 5 ms");
+    EXPECT_EQ(button("resetButton")->toolTip(), "Restablecer");
+    EXPECT_EQ(child<QLabel>(&section(), "delayTitle")->text(), lang.translate("Bluetooth Delay"));
+    EXPECT_EQ(shownDelay(), "10 ms"); // the value's own format is not the language manager's
+}
+
+TEST(TickSliderBridge, ProgrammaticUpdatesNeverReachTheBindingAndOnChangedFollowsTheWrite)
+{
+    double bound = 40.0;
+    std::vector<std::string> events;
+    ui::TickSliderModel model;
+    model.value.get = [&bound] { return bound; };
+    model.value.set = [&bound, &events](double value) {
+        bound = value;
+        events.push_back("set " + std::to_string(value));
+    };
+    model.maximum = 100;
+    model.numberOfTicks = 5;
+    model.onChanged = [&events](double value) { events.push_back("changed " + std::to_string(value)); };
+    ui::TickSlider slider(model);
+    EXPECT_EQ(slider.tickInterval(), 25 * ui::TickSlider::kStepsPerUnit);
+
+    bound = 70.0;
+    model.maximum = 200;
+    slider.updateFrom(model);
+    EXPECT_DOUBLE_EQ(slider.doubleValue(), 70.0);
+    EXPECT_TRUE(events.empty());
+
+    dragSlider(&slider, {7250});
+    EXPECT_EQ(events, (std::vector<std::string>{"set 72.500000", "changed 72.500000"}));
+}
+
+} // namespace
+} // namespace orvanta::testing

@@ -1,0 +1,47 @@
+#pragma once
+
+// The lower part of the main window's column: the notes, the support button, the two links to
+// the web site and the build's version.
+
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+
+namespace orvanta::i18n {
+class LanguageManager;
+}
+namespace orvanta::platform {
+class BundleInfo;
+class Workspace;
+} // namespace orvanta::platform
+
+namespace orvanta::ui {
+
+class ContentFooter : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // Without bundle there is no version line.
+    ContentFooter(i18n::LanguageManager& lang, platform::Workspace& workspace, platform::BundleInfo* bundle,
+                  QWidget* parent = nullptr);
+
+    void redraw();
+
+private:
+    QWidget* buildNotes();
+    void openAddress(const QString& address);
+
+    i18n::LanguageManager& lang;
+    platform::Workspace& workspace;
+    QLabel* notesTitle = nullptr;
+    QLabel* warningText = nullptr;
+    QLabel* keepRunningText = nullptr;
+    QLabel* volumeKeysText = nullptr;
+    QPushButton* supportButton = nullptr;
+    QPushButton* privacyLink = nullptr;
+    QPushButton* termsLink = nullptr;
+};
+
+} // namespace orvanta::ui
