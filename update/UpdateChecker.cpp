@@ -67,14 +67,8 @@ QString UpdateChecker::installedVersion() const
 
 void UpdateChecker::checkForUpdates()
 {
-    if (!feed.isValid() || http == nullptr) {
-        return;
-    }
-    const QString installed = installedVersion();
-    QPointer<UpdateChecker> checker(this);
-    http->getInBackground(feed, [checker, installed](const platform::HttpResponse& response) {
-        // A worker thread: read the feed here, show the outcome on the main thread.
-        const std::optional<Feed> latest = readFeed(response);
+    // The user asked: every outcome is shown, a failure too.
+    fetchFeed([](QPointer<UpdateChecker> checker, const QString& installed, std::optional<Feed> latest) {
         return platform::HttpClient::Continuation([checker, installed, latest] {
             if (checker.isNull()) {
                 return;
@@ -90,14 +84,8 @@ void UpdateChecker::checkForUpdates()
 
 void UpdateChecker::checkForUpdatesAtLaunch()
 {
-    if (!feed.isValid() || http == nullptr) {
-        return;
-    }
-    const QString installed = installedVersion();
-    QPointer<UpdateChecker> checker(this);
-    http->getInBackground(feed, [checker, installed](const platform::HttpResponse& response) {
-        // A worker thread: failures and up-to-date feeds end here without a sign.
-        const std::optional<Feed> latest = readFeed(response);
+    // At launch only a newer version is shown: failures and up-to-date feeds end without a sign.
+    fetchFeed([](QPointer<UpdateChecker> checker, const QString& installed, std::optional<Feed> latest) {
         if (!latest || !isNewerVersion(latest->version, installed)) {
             return platform::HttpClient::Continuation();
         }
@@ -106,6 +94,18 @@ void UpdateChecker::checkForUpdatesAtLaunch()
                 checker->showUpdateAvailable(latest->version, latest->releaseNotes, latest->downloadUrl);
             }
         });
+    });
+}
+
+void UpdateChecker::fetchFeed(FeedHandler handler)
+{
+    if (!feed.isValid() || http == nullptr) {
+        return;
+    }
+    http->getInBackground(feed, [handler = std::move(handler), checker = QPointer<UpdateChecker>(this),
+                                 installed = installedVersion()](const platform::HttpResponse& response) {
+        // A worker thread: the feed is read here, its outcome shown on the main thread.
+        return handler(checker, installed, readFeed(response));
     });
 }
 

@@ -11,13 +11,18 @@
 // dialog and every opened address happens back on the main thread. The checks keep no state:
 // each is independent, two may run at once, and each shows its own dialog.
 
+#include "FeedParser.h"
+
+#include "services/HttpClient.h"
 #include "services/PlatformServices.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QUrl>
 
 #include <functional>
+#include <optional>
 
 namespace orvanta::update {
 
@@ -59,6 +64,12 @@ public:
     void setFeedUrl(const QUrl& url) { feed = url; }
 
 private:
+    // Runs on the worker thread with the feed read from the response (none on any failure), and
+    // returns what to do on the main thread.
+    using FeedHandler = std::function<platform::HttpClient::Continuation(
+        QPointer<UpdateChecker> checker, const QString& installed, std::optional<Feed> latest)>;
+    void fetchFeed(FeedHandler handler);
+
     QString translate(const QString& key) const;
     int runAlert(const QString& messageText, const QString& informativeText, const QStringList& buttons);
     void openDownloadAddress(const QString& address);

@@ -70,6 +70,12 @@ SimulatedAudioHardware::SimulatedAudioHardware(const SystemSpec& spec)
     }
 }
 
+// What a read or write of a property no object answers gets: the object may exist without it.
+OSStatus SimulatedAudioHardware::missingStatus(AudioObjectID objectID) const
+{
+    return objectExists(objectID) ? kAudioHardwareUnknownPropertyError : kAudioHardwareBadObjectError;
+}
+
 // ---- the six calls ----
 
 OSStatus SimulatedAudioHardware::getPropertyDataSize(AudioObjectID objectID, const AudioObjectPropertyAddress& address,
@@ -81,8 +87,7 @@ OSStatus SimulatedAudioHardware::getPropertyDataSize(AudioObjectID objectID, con
     }
     auto slot = resolve(objectID, address);
     if (!slot) {
-        return finish(record,
-                      objectExists(objectID) ? kAudioHardwareUnknownPropertyError : kAudioHardwareBadObjectError);
+        return finish(record, missingStatus(objectID));
     }
     outDataSize = propertyDataSize(slot->value);
     return finish(record, noErr);
@@ -97,8 +102,7 @@ OSStatus SimulatedAudioHardware::getPropertyData(AudioObjectID objectID, const A
     }
     auto slot = resolve(objectID, address);
     if (!slot) {
-        return finish(record,
-                      objectExists(objectID) ? kAudioHardwareUnknownPropertyError : kAudioHardwareBadObjectError);
+        return finish(record, missingStatus(objectID));
     }
     return finish(record, copyPropertyData(slot->value, ioDataSize, outData));
 }
@@ -113,8 +117,7 @@ OSStatus SimulatedAudioHardware::setPropertyData(AudioObjectID objectID, const A
     }
     auto slot = resolve(objectID, address);
     if (!slot) {
-        return finish(record,
-                      objectExists(objectID) ? kAudioHardwareUnknownPropertyError : kAudioHardwareBadObjectError);
+        return finish(record, missingStatus(objectID));
     }
     const OSStatus status = writeSlot(*slot, dataSize, data);
     finish(record, status);

@@ -10,7 +10,6 @@
 #include "SimDeviceSpec.h"
 #include "hal/AudioHardware.h"
 #include "hal/PropertyValue.h"
-#include "hal/PropertyValue.h"
 
 #include <cstddef>
 #include <functional>
@@ -104,6 +103,7 @@ private:
     };
 
     bool objectExists(hal::AudioObjectID id) const;
+    hal::OSStatus missingStatus(hal::AudioObjectID id) const;
     SimDevice* findDevice(hal::AudioObjectID id);
     std::optional<Slot> resolve(hal::AudioObjectID id, const hal::AudioObjectPropertyAddress& address);
     std::optional<Slot> resolveSystem(const hal::AudioObjectPropertyAddress& address);
