@@ -63,25 +63,27 @@ TEST_F(MediaKeys, WithoutPermissionStartPrintsTheFailureAndKeepsNoTapAndOnceAllo
     EXPECT_EQ(taps.created, 1);
 }
 
-TEST_F(MediaKeys, EightPressesDownFromHalfReachSilenceAndStayThereAndTheKeysStillWorkAfterSyncIsOff)
+TEST_F(MediaKeys, VolumeKeysStepBothVolumesEachClampedSeparatelyWithSyncOnAndAfterItIsOff)
 {
     auto& app = start();
     selectBoth();
+    app.setVolume2(0.75f);
     app.enableSync();
     for (int press = 1; press <= 10; ++press) {
         taps.inject(mediaKey(1, kDown));
         drainEvents();
-        EXPECT_EQ(app.volume1() == 0.0f, press >= 8) << press;
+        EXPECT_EQ(app.volume1() == 0.0f, press >= 8) << press; // eight presses from half reach silence
     }
-    EXPECT_EQ(app.volume2(), 0.0f);
+    EXPECT_EQ(app.volume2(), 0.125f);
     EXPECT_EQ(sim.system.device(sim.idOf("spk"))->spec.virtualMainVolume.level, 0.0f);
-    EXPECT_EQ(sim.system.device(sim.idOf("bt"))->spec.channelVolumes[1].level, 0.0f);
+    EXPECT_EQ(sim.system.device(sim.idOf("bt"))->spec.channelVolumes[1].level, 0.125f);
 
     app.disableSync();
+    app.setVolume1(0.95f);
     taps.inject(mediaKey(0, kDown));
     drainEvents();
-    EXPECT_EQ(app.volume1(), 0.0625f);
-    EXPECT_EQ(sim.printed.lines.back(), "✅ Volume set via VolumeScalar for bt: 0.0625");
+    EXPECT_EQ(std::pair(app.volume1(), app.volume2()), std::pair(1.0f, 0.1875f));
+    EXPECT_EQ(sim.printed.lines.back(), "✅ Volume set via VolumeScalar for bt: 0.1875");
 }
 
 } // namespace

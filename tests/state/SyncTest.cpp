@@ -136,19 +136,6 @@ TEST_F(Sync, SelectionSurvivesARefreshThatNoLongerListsIt)
     EXPECT_THAT(sim.calls({"create"}), ElementsAre(HasSubstr("\"uid\"=\"bt\"")));
 }
 
-TEST_F(Sync, MasterVolumeStepsClampEachVolumeSeparately)
-{
-    auto& app = start();
-    selectBoth();
-    app.setVolume1(0.95f);
-    app.adjustMasterVolume(0.0625f);
-    EXPECT_EQ(std::pair(app.volume1(), app.volume2()), std::pair(1.0f, 0.5625f));
-    app.setVolume1(0.03f);
-    app.adjustMasterVolume(-0.0625f);
-    EXPECT_EQ(std::pair(app.volume1(), app.volume2()), std::pair(0.0f, 0.5f));
-    EXPECT_EQ(sim.printed.lines.back(), "✅ Volume set via VolumeScalar for bt: 0.5");
-}
-
 TEST_F(Sync, EveryAssignmentIsAnnouncedEvenWhenEqual)
 {
     auto& app = start();

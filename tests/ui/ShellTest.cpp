@@ -59,7 +59,7 @@ protected:
     int quits = 0;
 };
 
-TEST_F(Shell, StartOpensTheWindowAndTheTrayIconThenChecksForUpdatesSilentlyAndBothMenusCheckWithADialog)
+TEST_F(Shell, StartOpensTheWindowAndTheTrayIconThenChecksForUpdatesSilentlyBothMenusCheckAndFollowTheLanguage)
 {
     EXPECT_EQ(make().mainWindow(), nullptr); // nothing is opened before start()
     app->start();
@@ -89,11 +89,8 @@ TEST_F(Shell, StartOpensTheWindowAndTheTrayIconThenChecksForUpdatesSilentlyAndBo
     inTray->trigger();
     ASSERT_TRUE(runUntil([this] { return alerts.shown.size() == 2; }));
     EXPECT_EQ(http.requests.size(), 3);
-}
 
-TEST_F(Shell, ALanguageChangeRetitlesTheCommandButNotTheWindowAndSetsTheDirection)
-{
-    make().start();
+    // A language change retitles the commands but not the window, and sets the direction.
     lang.setCurrentLanguage(QStringLiteral("Español"));
     const QString translated = lang.translate("Check for Updates...");
     ASSERT_NE(translated, "Check for Updates...");
@@ -152,7 +149,7 @@ TEST_F(Shell, TheTraySymbolFollowsSyncTheIconOpensThePanelAsAFramelessPopUpAndBo
     EXPECT_EQ(quits, 2);
 }
 
-TEST_F(Shell, WithoutATrayTheMenuOffersLaunchAtLoginAndClosingTheWindowSaysOnceThatOrvantaKeepsRunning)
+TEST_F(Shell, WithoutATrayTheApplicationMenuOffersLaunchAtLogin)
 {
     make(true).start();
     EXPECT_EQ(app->mainWindow()->menuBar()->findChild<QAction*>("launchAtLoginAction"), nullptr);
@@ -166,7 +163,27 @@ TEST_F(Shell, WithoutATrayTheMenuOffersLaunchAtLoginAndClosingTheWindowSaysOnceT
     EXPECT_EQ(loginItems.registerCalls, 1);
     appState->setLaunchAtLogin(false);
     EXPECT_FALSE(login->isChecked());
+}
 
+TEST_F(Shell, ClosingTheWindowKeepsTheProgramSayingSoOnceOnlyWithoutATrayAndASecondLaunchBringsItBackOrOpensOne)
+{
+    make().start();
+    QPointer<ui::MainWindow> window = app->mainWindow();
+    window->showMinimized();
+    app->showMainWindow();
+    EXPECT_EQ(app->mainWindow(), window);
+    EXPECT_FALSE(window->isMinimized());
+    window->close();
+    drainEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull());
+    EXPECT_TRUE(alerts.shown.isEmpty());
+    app->showMainWindow();
+    ASSERT_NE(app->mainWindow(), nullptr);
+    EXPECT_TRUE(app->mainWindow()->isVisible());
+
+    app.reset();
+    make(false).start();
     lang.setCurrentLanguage("Español");
     for (int close = 0; close < 2; ++close) {
         app->showMainWindow();
@@ -178,26 +195,6 @@ TEST_F(Shell, WithoutATrayTheMenuOffersLaunchAtLoginAndClosingTheWindowSaysOnceT
     EXPECT_EQ(alerts.shown[0].messageText, "Orvanta sigue en ejecución");
     EXPECT_THAT(alerts.shown[0].informativeText.toStdString(), ::testing::HasSubstr("inicie Orvanta de nuevo"));
     EXPECT_EQ(quits, 0);
-}
-
-TEST_F(Shell, ClosingTheWindowKeepsTheProgramAndASecondLaunchBringsItBackOrOpensOne)
-{
-    make().start();
-    QPointer<ui::MainWindow> window = app->mainWindow();
-    window->showMinimized();
-    app->showMainWindow();
-    EXPECT_EQ(app->mainWindow(), window);
-    EXPECT_FALSE(window->isMinimized());
-
-    window->close();
-    drainEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(window.isNull());
-    EXPECT_EQ(quits, 0);
-    EXPECT_TRUE(alerts.shown.isEmpty());
-    app->showMainWindow();
-    ASSERT_NE(app->mainWindow(), nullptr);
-    EXPECT_TRUE(app->mainWindow()->isVisible());
 }
 
 TEST_F(Shell, TheWindowComesBackWhereItWasIfThatIsOnAScreen)
