@@ -50,14 +50,10 @@ public:
     int cancels = 0;
 };
 
+// An outcome in which the secondary speaker is the one not heard, should the status say so.
 MeasurementOutcome outcome(MeasurementStatus status, std::array<double, 2> latenessMs = {}, double spreadMs = 0.8)
 {
-    MeasurementOutcome made;
-    made.status = status;
-    made.latenessMs = latenessMs;
-    made.spreadMs = spreadMs;
-    made.silentMember = 1;
-    return made;
+    return {status, 1, latenessMs, spreadMs, {}};
 }
 
 class MeasureWithMicrophone : public ::testing::Test, public UiFixture
