@@ -1,3 +1,4 @@
+#include "support/EventLoop.h"
 #include "support/StateFixture.h"
 
 #include "XdgAutostartLoginItems.h"
@@ -20,51 +21,73 @@ using Status = platform::LoginItems::Status;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class LaunchAtLogin : public ::testing::Test, protected StateFixture
+// The once-a-second trust poll and launch at login, as AppState keeps them.
+class PermissionWatch : public ::testing::Test, protected StateFixture
 {};
 
-TEST_F(LaunchAtLogin, StartUpReadsTheStatusWithoutRegistering)
+TEST_F(PermissionWatch, StartsWithTheLiveValueAndOneLivePollAnnouncesTheFlagEveryTickAndNoticesEachChange)
 {
-    loginItems.current = Status::Enabled;
-    EXPECT_TRUE(start().launchAtLogin());
-    loginItems.current = Status::RequiresApproval;
-    EXPECT_FALSE(start().launchAtLogin());
-    loginItems.current = Status::NotFound;
-    EXPECT_FALSE(start().launchAtLogin());
-    EXPECT_EQ(loginItems.registerCalls + loginItems.unregisterCalls, 0);
+    trust.trusted = true;
+    EXPECT_TRUE(start().isTrusted());
+    trust.trusted = false;
+    auto& app = start();
+    int announcements = 0;
+    QObject::connect(&app, &state::AppState::isTrustedChanged, [&] { ++announcements; });
+    app.startPermissionTimer();
+    app.startPermissionTimer();
+    const int before = trust.queries;
+    ASSERT_TRUE(runUntil([&] { return trust.queries > before; }, std::chrono::milliseconds(2500)));
+    drainEvents();
+    EXPECT_EQ(trust.queries, before + 1); // one live timer, not three
+    EXPECT_EQ(announcements, 1);          // the flag held, and was announced all the same
+    EXPECT_FALSE(app.isTrusted());
+
+    trust.trusted = true;
+    ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
+    trust.trusted = false; // withdrawn later: noticed as well
+    ASSERT_TRUE(runUntil([&] { return !app.isTrusted(); }, std::chrono::milliseconds(2500)));
 }
 
-TEST_F(LaunchAtLogin, EveryAssignmentRegistersOrUnregistersAgainAndAFailureIsPrintedWhileTheChoiceStays)
+TEST_F(PermissionWatch,
+       LaunchAtLoginStartUpReadsTheStatusAndEveryAssignmentRegistersAgainAndAFailureIsPrintedWhileTheChoiceStays)
 {
-    loginItems.current = Status::RequiresApproval;
-    auto& app = start();
-    app.setLaunchAtLogin(true);
-    app.setLaunchAtLogin(true);
+    for (const auto& [status, on] : {std::pair{Status::Enabled, true}, std::pair{Status::NotFound, false},
+                                     std::pair{Status::RequiresApproval, false}}) {
+        loginItems.current = status;
+        EXPECT_EQ(start().launchAtLogin(), on);
+    }
+    EXPECT_EQ(loginItems.registerCalls + loginItems.unregisterCalls, 0);
+    appState->setLaunchAtLogin(true);
+    appState->setLaunchAtLogin(true);
     EXPECT_EQ(loginItems.registerCalls, 2);
-    app.setLaunchAtLogin(false);
-    app.setLaunchAtLogin(false);
+    appState->setLaunchAtLogin(false);
+    appState->setLaunchAtLogin(false);
     EXPECT_EQ(loginItems.unregisterCalls, 2);
     EXPECT_THAT(sim.printed.lines, IsEmpty());
 
-    loginItems.registerError = QStringLiteral("cannot write /ro/autostart/orvanta.desktop: Permission denied");
-    app.setLaunchAtLogin(true);
-    EXPECT_TRUE(app.launchAtLogin());
+    loginItems.registerError = QStringLiteral("cannot write here: Permission denied");
+    appState->setLaunchAtLogin(true);
+    EXPECT_TRUE(appState->launchAtLogin());
     EXPECT_THAT(sim.printed.lines,
-                ElementsAre("Failed to update launch at login: cannot write /ro/autostart/orvanta.desktop: "
-                            "Permission denied"));
+                ElementsAre("Failed to update launch at login: cannot write here: Permission denied"));
 }
 
 class XdgAutostart : public ::testing::Test
 {
 protected:
     QTemporaryDir dir;
-    QString entry = dir.filePath("autostart/orvanta.desktop");
+    QString folder = dir.filePath("autostart");
+    QString entry = folder + "/orvanta.desktop";
     linux_platform::XdgAutostartLoginItems items{entry, "/opt/Orvanta Apps/bin/orvanta"};
 
-    QString entryText() const
+    Status statusOf(const QByteArray& text)
     {
+        QDir().mkpath(folder);
         QFile file(entry);
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(text);
+        file.close();
+        return items.status();
     }
 };
 
@@ -73,93 +96,76 @@ TEST_F(XdgAutostart, RegisterWritesAnEntryADesktopStartsAndUnregisterRemovesIt)
     EXPECT_EQ(items.status(), Status::NotRegistered);
     ASSERT_EQ(items.registerItem(), std::nullopt);
     EXPECT_EQ(items.status(), Status::Enabled);
-    const QString text = entryText();
+    QFile file(entry);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
     EXPECT_TRUE(text.startsWith("[Desktop Entry]\n"));
     EXPECT_TRUE(text.contains("\nType=Application\n"));
     EXPECT_TRUE(text.contains("\nExec=\"/opt/Orvanta Apps/bin/orvanta\"\n")) << text.toStdString();
-    EXPECT_FALSE(text.contains("Hidden=true"));
 
     ASSERT_EQ(items.unregisterItem(), std::nullopt);
     EXPECT_FALSE(QFileInfo::exists(entry));
-    EXPECT_EQ(items.status(), Status::NotRegistered);
     EXPECT_EQ(items.unregisterItem(), std::nullopt); // nothing left to remove is not a failure
 }
 
-TEST_F(XdgAutostart, ExecIsQuotedAndEscaped)
+TEST(DesktopEntryExec, QuotesAndEscapesThePathAndDoublesPercentSigns)
 {
-    EXPECT_EQ(linux_platform::desktopEntryExec("/usr/bin/orvanta"), "\"/usr/bin/orvanta\"");
-    EXPECT_EQ(linux_platform::desktopEntryExec("/a$b/\"c\""), "\"/a\\\\$b/\\\\\"c\\\\\"\"");
-    // A literal '%' would start a field code: it is doubled, inside the quotes too.
-    EXPECT_EQ(linux_platform::desktopEntryExec("/opt/100%/orvanta"), "\"/opt/100%%/orvanta\"");
-    EXPECT_EQ(linux_platform::desktopEntryExec("/opt/%u"), "\"/opt/%%u\"");
-    // Quoting first (backslash before '"', '$', '`', '\\'), then the string escapes (each backslash
-    // doubled, a newline as \n).
-    EXPECT_EQ(linux_platform::desktopEntryExec("/opt/a b/100% \"$x`\\y\nz"),
-              "\"/opt/a b/100%% \\\\\"\\\\$x\\\\`\\\\\\\\y\\nz\"");
+    for (const auto& [path, exec] : std::initializer_list<std::pair<QString, QString>>{
+             {"/usr/bin/orvanta", R"("/usr/bin/orvanta")"},
+             {R"(/a$b/"c")", R"("/a\\$b/\\"c\\"")"},
+             {"/opt/%u", R"("/opt/%%u")"}, // a '%' would start a field code, inside the quotes too
+             // Quoting first (backslash before '"', '$', '`', '\'), then each backslash doubled, a newline as \n.
+             {"/opt/a b/100% \"$x`\\y\nz", R"("/opt/a b/100%% \\"\\$x\\`\\\\y\nz")"}}) {
+        EXPECT_EQ(linux_platform::desktopEntryExec(path), exec) << path.toStdString();
+    }
 }
 
-TEST_F(XdgAutostart, AnEntryHiddenOrSwitchedOffTheGnomeWayCountsAsOff)
+TEST_F(XdgAutostart, AnEntryHiddenSwitchedOffTheGnomeWayOrNoFileCountsAsOff)
 {
-    const auto statusOf = [this](const QByteArray& text) {
-        QDir().mkpath(dir.filePath("autostart"));
-        QFile file(entry);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-        file.close();
-        return items.status();
-    };
-    EXPECT_EQ(statusOf("[Desktop Entry]\nType=Application\nExec=orvanta\nHidden = true\n"), Status::NotRegistered);
-    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=false\n"), Status::NotRegistered);
-    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled = false\n"), Status::NotRegistered);
-    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=true\n"), Status::Enabled);
-    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\nHidden=false\n"), Status::Enabled);
-    // Only the main group counts, and a comment is no switch.
-    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\n[Desktop Action x]\nHidden=true\n"), Status::Enabled);
-    EXPECT_EQ(statusOf("[Desktop Entry]\nExec=orvanta\n# Hidden=true\n"), Status::Enabled);
-    // What this program writes reads as on.
-    ASSERT_EQ(items.registerItem(), std::nullopt);
-    EXPECT_EQ(items.status(), Status::Enabled);
-}
-
-TEST_F(XdgAutostart, SomethingOtherThanAFileAtTheEntryReadsAsOffWithoutWaiting)
-{
-    QDir().mkpath(dir.filePath("autostart"));
+    for (const auto& [text, status] : std::initializer_list<std::pair<QByteArray, Status>>{
+             {"[Desktop Entry]\nType=Application\nExec=orvanta\nHidden = true\n", Status::NotRegistered},
+             {"[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=false\n", Status::NotRegistered},
+             {"[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled = false\n", Status::NotRegistered},
+             {"[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=true\n", Status::Enabled},
+             {"[Desktop Entry]\nExec=orvanta\nHidden=false\n", Status::Enabled},
+             // Only the main group counts, and a comment is no switch.
+             {"[Desktop Entry]\nExec=orvanta\n[Desktop Action x]\nHidden=true\n", Status::Enabled},
+             {"[Desktop Entry]\nExec=orvanta\n# Hidden=true\n", Status::Enabled}}) {
+        EXPECT_EQ(statusOf(text), status) << text.toStdString();
+    }
+    // A pipe in place of the file reads as off, without waiting for a writer.
+    ASSERT_TRUE(QFile::remove(entry));
     ASSERT_EQ(mkfifo(QFile::encodeName(entry).constData(), 0600), 0);
     EXPECT_EQ(items.status(), Status::NotRegistered);
 }
 
 TEST_F(XdgAutostart, AnEntryLeftHalfWrittenByAKilledWriterIsClearedAtStart)
 {
-    QDir().mkpath(dir.filePath("autostart"));
+    QDir().mkpath(folder);
     QFile stale(entry + ".tmp-Qw3Er5");
     ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
     stale.close();
     linux_platform::XdgAutostartLoginItems next(entry, "/usr/bin/orvanta");
-    EXPECT_FALSE(QFileInfo::exists(entry + ".tmp-Qw3Er5"));
-    EXPECT_EQ(QDir(dir.filePath("autostart")).entryList(QDir::Files | QDir::Hidden), QStringList{});
-}
-
-TEST_F(XdgAutostart, UnwritableFolderGivesAReadableError)
-{
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root writes to read-only folders";
-    }
-    QDir().mkpath(dir.filePath("autostart"));
-    ASSERT_EQ(chmod(QFile::encodeName(dir.filePath("autostart")).constData(), 0555), 0);
-    const auto error = items.registerItem();
-    ASSERT_TRUE(error.has_value());
-    EXPECT_TRUE(error->startsWith("cannot write " + entry)) << error->toStdString();
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{});
 }
 
 TEST_F(XdgAutostart, AFileInPlaceOfTheFolderGivesAReadableError)
 {
-    // Works as root too: nothing can create a folder where a file stands.
-    QFile blocker(dir.filePath("autostart"));
+    QFile blocker(folder); // nothing can make a folder where a file stands, not even root
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    EXPECT_EQ(items.registerItem(), "cannot create the folder " + folder);
+}
+
+TEST_F(XdgAutostart, AReadOnlyFolderGivesAReadableError)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root writes to read-only folders";
+    }
+    QDir().mkpath(folder);
+    ASSERT_EQ(chmod(QFile::encodeName(folder).constData(), 0555), 0);
     const auto error = items.registerItem();
     ASSERT_TRUE(error.has_value());
-    EXPECT_EQ(*error, "cannot create the folder " + dir.filePath("autostart"));
+    EXPECT_TRUE(error->startsWith("cannot write " + entry)) << error->toStdString();
 }
 
 } // namespace

@@ -1,5 +1,9 @@
-#include "support/EventLoop.h"
+// Sync on and off over the simulated sound system; restoring it at start, once the pair it last ran
+// with is listed; and the warnings after Enable Sync, each asked of the audio layer.
+
 #include "support/StateFixture.h"
+
+#include "state/SyncWarnings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,65 +12,58 @@ namespace orvanta::testing {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using Kind = state::SyncWarning::Kind;
+using Warnings = std::vector<state::SyncWarning>;
+
+const QString kBluetoothTail =
+    QStringLiteral(". Bluetooth audio has inherent latency (100-200ms delay). For best sync, use wired connections or "
+                   "check if your Bluetooth speaker supports direct wired connection to avoid audio delay.");
+const QString kVolumeTail = QStringLiteral(". Consider using apps like SoundSource for software volume control.");
 
 class Sync : public ::testing::Test, protected StateFixture
-{};
+{
+protected:
+    // A run that turns sync on with both devices, the option switched on first or left as it is.
+    void runOnceWithSync(bool restore = true)
+    {
+        if (start(); restore) {
+            appState->setRestoreSyncAtStart(true);
+        }
+        selectBoth();
+        appState->enableSync();
+        ASSERT_TRUE(appState->isQuellonOn());
+        appState.reset();
+    }
+    void expectNothingRestored()
+    {
+        start();
+        EXPECT_FALSE(appState->selectedDevice1() || appState->selectedDevice2() || appState->isQuellonOn());
+    }
+    QString storedDevice(const char* which)
+    {
+        return memoryDefaults.value(state::AppState::kRestoreDevicesKey).toMap().value(which).toString();
+    }
+    // The warnings after Enable Sync with the devices at these places in the list.
+    Warnings warningsAfterSyncOn(std::size_t primary, std::size_t secondary)
+    {
+        appState->disableSync();
+        appState->setSelectedDevice1(appState->devices()[primary]);
+        appState->setSelectedDevice2(appState->devices()[secondary]);
+        appState->enableSync();
+        return state::SyncWarnings(sim.audio).afterEnableSync(*appState);
+    }
+};
 
-TEST_F(Sync, StartUpReadsTheCatalogueButSelectsAndChangesNothing)
+TEST_F(Sync, StartUpReadsTheCatalogueButSelectsAndChangesNothingAndSyncNeedsTwoDifferentUIDsAndACreatedDevice)
 {
     auto& app = start();
     EXPECT_EQ(app.devices(), (state::DeviceList{kSpeakers, kBluetooth}));
-    EXPECT_FALSE(app.selectedDevice1() || app.selectedDevice2() || app.isQuellonOn());
-    EXPECT_THAT(sim.calls({"set", "create", "destroy"}), IsEmpty());
+    EXPECT_FALSE(app.selectedDevice1() || app.selectedDevice2() || app.isQuellonOn() || app.canEnableSync());
     EXPECT_THAT(sim.printed.lines, IsEmpty());
     EXPECT_EQ(taps.created, 0);
-}
-
-TEST_F(Sync, OnBuildsTheStackedDevicePushesVolumesAndStartsTheKeyTap)
-{
-    auto& app = start();
-    selectBoth();
-    app.setVolume2(0.75f);
-    app.setBluetoothDelay(150, kBluetooth);
-    sim.reset();
-
-    app.enableSync();
-
-    EXPECT_TRUE(app.isQuellonOn());
-    const auto stacked = std::to_string(sim.system.deviceWithUID(audio::stackedDeviceUID)->id);
-    EXPECT_THAT(sim.printed.lines,
-                ElementsAre("✅ Sync Device Created! ID: " + stacked + ", latency1=0ms latency2=150ms",
-                            "✅ Volume set via VirtualMainVolume for spk: 0.5",
-                            "✅ Volume set via VolumeScalar for bt: 0.75"));
-    EXPECT_THAT(sim.calls({"create", "set"}),
-                ElementsAre(::testing::HasSubstr("\"latency-out\"=6615u"),
-                            "set 1 'dOut' glob 0 [4] " + stacked + " -> 0", "set 2 'vmvc' outp 0 [4] 0.5 -> 0",
-                            "set 3 'volm' outp 1 [4] 0.75 -> 0", "set 3 'volm' outp 2 [4] 0.75 -> 0"));
-    EXPECT_EQ(taps.created, 1);
-}
-
-TEST_F(Sync, OffDestroysTheDeviceAndReturnsAudioButKeepsTheTap)
-{
-    auto& app = start();
-    selectBoth();
-    app.enableSync();
-    sim.reset();
-
-    app.disableSync();
-
-    EXPECT_FALSE(app.isQuellonOn());
-    EXPECT_THAT(sim.printed.lines,
-                ElementsAre("🗑️ Startup Cleanup: Old device destroyed.", "Returning audio to: spk"));
-    EXPECT_EQ(sim.system.defaultOutputDevice(), sim.idOf("spk"));
-    EXPECT_EQ(sim.system.deviceWithUID(audio::stackedDeviceUID), nullptr);
-    EXPECT_TRUE(mediaKeys.hasTap());
-}
-
-TEST_F(Sync, CanEnableOnlyWithTwoDifferentUIDsAndOneSelectionChangesAndCallsNothing)
-{
-    auto& app = start();
-    EXPECT_FALSE(app.canEnableSync());
+    EXPECT_THAT(sim.calls({"set", "create", "destroy"}), IsEmpty());
     app.setSelectedDevice1(kSpeakers);
     sim.reset();
     app.enableSync();
@@ -77,13 +74,9 @@ TEST_F(Sync, CanEnableOnlyWithTwoDifferentUIDsAndOneSelectionChangesAndCallsNoth
     EXPECT_FALSE(app.canEnableSync());
     app.setSelectedDevice2(kBluetooth);
     EXPECT_TRUE(app.canEnableSync());
-}
 
-TEST_F(Sync, FailedCreationLeavesSyncOffWithoutVolumesOrTap)
-{
+    // A failed creation leaves sync off, without volumes or key tap.
     sim.system.addFailure(std::nullopt, {sim::CallKind::CreateAggregateDevice, {}, {}, {}, -50});
-    auto& app = start();
-    selectBoth();
     sim.reset();
     app.enableSync();
     EXPECT_FALSE(app.isQuellonOn());
@@ -92,15 +85,40 @@ TEST_F(Sync, FailedCreationLeavesSyncOffWithoutVolumesOrTap)
     EXPECT_EQ(taps.created, 0);
 }
 
-TEST_F(Sync, OffWithoutPrimaryTearsDownWithoutReturningAudio)
+TEST_F(Sync, OnBuildsTheStackedDevicePushesVolumesAndStartsTheKeyTapAndOffUndoesAllButTheTap)
 {
     auto& app = start();
     selectBoth();
+    app.setVolume2(0.75f);
+    app.setBluetoothDelay(150, kBluetooth);
+    sim.reset();
+    app.enableSync();
+    EXPECT_TRUE(app.isQuellonOn());
+    const auto stacked = std::to_string(sim.system.deviceWithUID(audio::stackedDeviceUID)->id);
+    EXPECT_THAT(sim.printed.lines,
+                ElementsAre("✅ Sync Device Created! ID: " + stacked + ", latency1=0ms latency2=150ms",
+                            "✅ Volume set via VirtualMainVolume for spk: 0.5",
+                            "✅ Volume set via VolumeScalar for bt: 0.75"));
+    EXPECT_THAT(sim.calls({"create", "set"}),
+                ElementsAre(HasSubstr("\"latency-out\"=6615u"), "set 1 'dOut' glob 0 [4] " + stacked + " -> 0",
+                            "set 2 'vmvc' outp 0 [4] 0.5 -> 0", "set 3 'volm' outp 1 [4] 0.75 -> 0",
+                            "set 3 'volm' outp 2 [4] 0.75 -> 0"));
+    EXPECT_EQ(taps.created, 1);
+
+    sim.reset();
+    app.disableSync();
+    EXPECT_FALSE(app.isQuellonOn());
+    EXPECT_THAT(sim.printed.lines,
+                ElementsAre("🗑️ Startup Cleanup: Old device destroyed.", "Returning audio to: spk"));
+    EXPECT_EQ(sim.system.defaultOutputDevice(), sim.idOf("spk"));
+    EXPECT_EQ(sim.system.deviceWithUID(audio::stackedDeviceUID), nullptr);
+    EXPECT_TRUE(mediaKeys.hasTap());
+
+    // Without a primary, off tears down without returning audio anywhere.
     app.enableSync();
     app.setSelectedDevice1(std::nullopt);
     sim.reset();
     app.disableSync();
-    EXPECT_FALSE(app.isQuellonOn());
     EXPECT_THAT(sim.printed.lines, ElementsAre("🗑️ Startup Cleanup: Old device destroyed."));
     EXPECT_THAT(sim.calls({"set"}), IsEmpty());
 }
@@ -115,23 +133,7 @@ TEST_F(Sync, SelectionSurvivesARefreshThatNoLongerListsIt)
     EXPECT_EQ(app.selectedDevice2(), kBluetooth);
     sim.reset();
     app.enableSync();
-    EXPECT_THAT(sim.calls({"create"}), ElementsAre(::testing::HasSubstr("\"uid\"=\"bt\"")));
-}
-
-TEST_F(Sync, MasterVolumeStepsClampEachVolumeSeparately)
-{
-    auto& app = start();
-    selectBoth();
-    app.setVolume1(0.95f);
-    app.adjustMasterVolume(0.0625f);
-    EXPECT_EQ(app.volume1(), 1.0f);
-    EXPECT_EQ(app.volume2(), 0.5625f);
-
-    app.setVolume1(0.03f);
-    app.adjustMasterVolume(-0.0625f);
-    EXPECT_EQ(app.volume1(), 0.0f);
-    EXPECT_EQ(app.volume2(), 0.5f);
-    EXPECT_EQ(sim.printed.lines.back(), "✅ Volume set via VolumeScalar for bt: 0.5");
+    EXPECT_THAT(sim.calls({"create"}), ElementsAre(HasSubstr("\"uid\"=\"bt\"")));
 }
 
 TEST_F(Sync, EveryAssignmentIsAnnouncedEvenWhenEqual)
@@ -148,9 +150,92 @@ TEST_F(Sync, EveryAssignmentIsAnnouncedEvenWhenEqual)
     app.setSelectedDevice1(std::nullopt);
     app.disableSync();
     app.disableSync();
-    EXPECT_EQ(volumeSignals, 2);
-    EXPECT_EQ(selectionSignals, 1);
-    EXPECT_EQ(syncSignals, 2);
+    EXPECT_EQ(std::tuple(volumeSignals, selectionSignals, syncSignals), std::tuple(2, 1, 2));
+}
+
+TEST_F(Sync, RestoreOffByDefaultOrSwitchedOffStartUpSelectsNothing)
+{
+    runOnceWithSync(false);
+    expectNothingRestored();
+    EXPECT_FALSE(appState->restoreSyncAtStart());
+    appState.reset();
+    runOnceWithSync();
+    start().setRestoreSyncAtStart(false);
+    appState.reset();
+    expectNothingRestored();
+}
+
+TEST_F(Sync, RestoreSwitchedOnWhileSyncRunsTheRunningPairComesBackWithSyncOn)
+{
+    start();
+    selectBoth();
+    appState->enableSync();
+    EXPECT_FALSE(memoryDefaults.value(state::AppState::kRestoreDevicesKey).isValid());
+    appState->setRestoreSyncAtStart(true);
+    EXPECT_EQ(storedDevice("primary"), "spk");
+    EXPECT_EQ(storedDevice("secondary"), "bt");
+    EXPECT_TRUE(memoryDefaults.value(state::AppState::kRestoreSyncKey).toBool());
+    appState.reset();
+
+    start();
+    EXPECT_TRUE(appState->restoreSyncAtStart());
+    EXPECT_EQ(appState->selectedDevice1(), kSpeakers);
+    EXPECT_EQ(appState->selectedDevice2(), kBluetooth);
+    EXPECT_TRUE(appState->isQuellonOn());
+    EXPECT_NE(sim.system.deviceWithUID("com.quellon.stacked"), nullptr);
+}
+
+TEST_F(Sync, RestoreAMissingDeviceKeepsItWaitingUntilItIsListedOrTheUserChoosesForThemselves)
+{
+    runOnceWithSync();
+    for (const bool userChooses : {false, true}) {
+        appState.reset();
+        ASSERT_TRUE(sim.system.removeDevice("bt"));
+        start();
+        EXPECT_FALSE(appState->isQuellonOn() || appState->selectedDevice1());
+        if (userChooses) {
+            appState->setSelectedDevice1(kSpeakers);
+        }
+        sim.system.addDevice(speakersAndBluetooth()[1]);
+        appState->setDevices(sim.audio.getOutputDevices());
+        EXPECT_EQ(appState->isQuellonOn(), !userChooses);
+        EXPECT_EQ(appState->selectedDevice2() == kBluetooth, !userChooses);
+    }
+}
+
+TEST_F(Sync, WarningsNameBluetoothSpeakersAsTheAudioLayerReportsThemAndDevicesWithoutAVolumeWhileOn)
+{
+    start();
+    for (auto device : {outputDevice("Wired A", "wa"), outputDevice("HDMI", "hdmi", hal::kAudioDeviceTransportTypeHDMI),
+                        outputDevice("A", "a", hal::kAudioDeviceTransportTypeBluetooth),
+                        outputDevice("B", "b", hal::kAudioDeviceTransportTypeBluetoothLE)}) {
+        if (device.uid == "b") {
+            device.virtualMainVolume = volumeControl();
+        }
+        sim.system.addDevice(device);
+    }
+    appState->setDevices(sim.audio.getOutputDevices()); // Speakers, BT Speaker, Wired A, HDMI, A, B
+    appState->setSelectedDevice1(kSpeakers);
+    sim.reset();
+    EXPECT_THAT(state::SyncWarnings(sim.audio).afterEnableSync(*appState), IsEmpty());
+    EXPECT_THAT(sim.calls(), IsEmpty()); // nothing is asked without two devices
+
+    EXPECT_EQ(
+        warningsAfterSyncOn(4, 5),
+        (Warnings{{Kind::Volume, "Volume Control Warning", "Volume control not supported: A" + kVolumeTail},
+                  {Kind::Bluetooth, "Bluetooth Audio Latency", "Bluetooth device detected: A, B" + kBluetoothTail}}));
+    EXPECT_EQ(warningsAfterSyncOn(2, 3), (Warnings{{Kind::Volume, "Volume Control Warning",
+                                                    "Volume control not supported: Wired A, HDMI" + kVolumeTail}}));
+    // The user's mark does not make a wired device one.
+    appState->setManualBluetoothOverride(true, kSpeakers);
+    EXPECT_EQ(warningsAfterSyncOn(0, 5), (Warnings{{Kind::Bluetooth, "Bluetooth Audio Latency",
+                                                    "Bluetooth device detected: B" + kBluetoothTail}}));
+    // Sync that failed to come on warns only of Bluetooth.
+    sim.system.addFailure(std::nullopt, {sim::CallKind::CreateAggregateDevice, {}, {}, {}, -50});
+    const auto failed = warningsAfterSyncOn(2, 4);
+    ASSERT_FALSE(appState->isQuellonOn());
+    ASSERT_EQ(failed.size(), 1u);
+    EXPECT_EQ(failed[0].kind, Kind::Bluetooth);
 }
 
 } // namespace

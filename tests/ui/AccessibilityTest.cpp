@@ -5,14 +5,6 @@
 
 #include "UiFixture.h"
 
-#include "ui/ContentView.h"
-#include "ui/MainWindow.h"
-#include "ui/MenuBarView.h"
-#include "ui/Widgets.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <QAccessible>
 #include <QAccessibleInterface>
 
@@ -21,14 +13,8 @@ namespace {
 
 using ::testing::IsSupersetOf;
 
-struct Control
-{
-    QAccessible::Role role;
-    QString name;
-};
-
-// The controls under iface that are not hidden, in tree order.
-void collectControls(QAccessibleInterface* iface, std::vector<Control>& controls)
+// The names of the controls under iface that are not hidden, in tree order; each must have one.
+void collectControlNames(QAccessibleInterface* iface, std::vector<QString>& names)
 {
     if (iface == nullptr || iface->state().invisible) {
         return;
@@ -37,22 +23,12 @@ void collectControls(QAccessibleInterface* iface, std::vector<Control>& controls
                                                     QAccessible::PushButton, QAccessible::CheckBox,
                                                     QAccessible::Button,     QAccessible::SpinBox};
     if (kControls.contains(iface->role())) {
-        controls.push_back({iface->role(), iface->text(QAccessible::Name)});
+        names.push_back(iface->text(QAccessible::Name));
+        EXPECT_FALSE(names.back().trimmed().isEmpty()) << "a control of role " << iface->role() << " has no name";
     }
     for (int i = 0; i < iface->childCount(); ++i) {
-        collectControls(iface->child(i), controls);
+        collectControlNames(iface->child(i), names);
     }
-}
-
-std::vector<QString> sliderNames(const std::vector<Control>& controls)
-{
-    std::vector<QString> names;
-    for (const auto& control : controls) {
-        if (control.role == QAccessible::Slider) {
-            names.push_back(control.name);
-        }
-    }
-    return names;
 }
 
 // The widgets Tab visits in root, starting after root, in order.
@@ -102,8 +78,7 @@ void expectNothingCut(const QWidget* root, const std::string& where)
     }
 }
 
-class Accessibility : public ScaledViews
-{};
+using Accessibility = ScaledViews;
 
 TEST_P(Accessibility, EveryControlOfTheMainWindowHasANameTabReadsInOrderAndNoTextIsCut)
 {
@@ -115,18 +90,14 @@ TEST_P(Accessibility, EveryControlOfTheMainWindowHasANameTabReadsInOrderAndNoTex
         lang.setCurrentLanguage(language);
         drainEvents();
         expectNothingCut(window.content(), language.toStdString() + " at " + std::to_string(GetParam()));
-        std::vector<Control> controls;
-        collectControls(QAccessible::queryAccessibleInterface(&window), controls);
-        ASSERT_GT(controls.size(), 10u);
-        for (const auto& control : controls) {
-            EXPECT_FALSE(control.name.trimmed().isEmpty()) << "a control of role " << control.role << " has no name";
-        }
+        std::vector<QString> names;
+        collectControlNames(QAccessible::queryAccessibleInterface(&window), names);
+        ASSERT_GT(names.size(), 10u);
         if (language == u"English") {
-            EXPECT_THAT(sliderNames(controls),
-                        IsSupersetOf({QStringLiteral("Volume of BT Speaker"),
-                                      QStringLiteral("Volume of Bahasa Indonesia Soundbar"),
-                                      QStringLiteral("Bluetooth delay of BT Speaker"),
-                                      QStringLiteral("Bluetooth delay of Bahasa Indonesia Soundbar")}));
+            EXPECT_THAT(names, IsSupersetOf({QStringLiteral("Volume of BT Speaker"),
+                                             QStringLiteral("Volume of Bahasa Indonesia Soundbar"),
+                                             QStringLiteral("Bluetooth delay of BT Speaker"),
+                                             QStringLiteral("Bluetooth delay of Bahasa Indonesia Soundbar")}));
         }
         expectReadingOrder(window.content());
     }
@@ -141,13 +112,8 @@ TEST_P(Accessibility, ThePanelIsInTheTreeWithEveryControlNamedInOrderAndUncut)
     QAccessibleInterface* root = QAccessible::queryAccessibleInterface(&panel);
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(root->text(QAccessible::Name), "Orvanta");
-    std::vector<Control> controls;
-    collectControls(root, controls);
     std::vector<QString> names;
-    for (const auto& control : controls) {
-        EXPECT_FALSE(control.name.trimmed().isEmpty()) << "a control of role " << control.role << " has no name";
-        names.push_back(control.name);
-    }
+    collectControlNames(root, names);
     EXPECT_THAT(names,
                 IsSupersetOf({QStringLiteral("Enable Sync"), QStringLiteral("Volume of BT Speaker"),
                               QStringLiteral("Bluetooth delay of BT Speaker"), QStringLiteral("Decrease by 5 ms"),

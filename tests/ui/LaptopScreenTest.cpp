@@ -3,12 +3,6 @@
 
 #include "UiFixture.h"
 
-#include "services/SimulatedSoundSystemStatus.h"
-#include "ui/ContentView.h"
-#include "ui/MainWindow.h"
-
-#include <gtest/gtest.h>
-
 #include <QMenuBar>
 #include <QScreen>
 #include <QScrollArea>
@@ -17,8 +11,7 @@
 namespace orvanta::testing {
 namespace {
 
-class LaptopScreen : public ScaledViews
-{};
+using LaptopScreen = ScaledViews;
 
 TEST_P(LaptopScreen, TheWindowFitsTheScreenInEveryStateAndTheRestScrolls)
 {

@@ -6,14 +6,9 @@
 #include "UiFixture.h"
 
 #include "services/DelayMeasurement.h"
-#include "ui/ContentView.h"
 #include "ui/MeasureButton.h"
 #include "ui/MeasureDialog.h"
 
-#include <gtest/gtest.h>
-
-#include <QComboBox>
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -55,30 +50,19 @@ public:
     int cancels = 0;
 };
 
-MeasurementOutcome measured(double primaryMs, double secondaryMs)
+// An outcome in which the secondary speaker is the one not heard, should the status say so.
+MeasurementOutcome outcome(MeasurementStatus status, std::array<double, 2> latenessMs = {}, double spreadMs = 0.8)
 {
-    MeasurementOutcome outcome;
-    outcome.status = MeasurementStatus::Measured;
-    outcome.latenessMs = {primaryMs, secondaryMs};
-    outcome.spreadMs = 0.8;
-    return outcome;
+    return {status, 1, latenessMs, spreadMs, {}};
 }
 
 class MeasureWithMicrophone : public ::testing::Test, public UiFixture
 {
 protected:
-    void syncOn()
+    MeasureWithMicrophone()
     {
         selectBoth();
         appState->enableSync();
-        ASSERT_TRUE(appState->isQuellonOn());
-    }
-
-    ui::ViewServices servicesWith(platform::DelayMeasurement* delayMeasurement)
-    {
-        auto withMeasurement = services();
-        withMeasurement.measurement = delayMeasurement;
-        return withMeasurement;
     }
 
     ui::MeasureDialog& dialog()
@@ -88,8 +72,13 @@ protected:
         }
         return *measureDialog;
     }
-
     QString textOf(const char* name) { return child<QLabel>(&dialog(), name)->text(); }
+    QPushButton* button(const char* name) { return child<QPushButton>(&dialog(), name); }
+    void measure(const MeasurementOutcome& result)
+    {
+        dialog().startMeasuring();
+        measurement.finish(result);
+    }
 
     CannedMeasurement measurement;
     std::unique_ptr<ui::MeasureDialog> measureDialog;
@@ -97,134 +86,95 @@ protected:
 
 TEST_F(MeasureWithMicrophone, TheButtonIsThereOnlyWhileSyncIsOnAndTheSoundSystemCanMeasure)
 {
-    ui::ContentView without(lang, *appState, services());
-    ui::ContentView with(lang, *appState, servicesWith(&measurement));
-    auto* button = child<ui::MeasureButton>(&with, "measureButton");
-    ASSERT_NE(button, nullptr);
-    EXPECT_FALSE(shown(button));
-
-    syncOn();
-    EXPECT_TRUE(shown(button));
-    EXPECT_EQ(button->text(), QStringLiteral("Measure with microphone…"));
-    EXPECT_FALSE(shown(child<ui::MeasureButton>(&without, "measureButton")));
-
     appState->disableSync();
-    EXPECT_FALSE(shown(button));
+    auto withMeasurement = services();
+    withMeasurement.measurement = &measurement;
+    ui::ContentView without(lang, *appState, services());
+    ui::ContentView with(lang, *appState, withMeasurement);
+    auto* measureButton = child<ui::MeasureButton>(&with, "measureButton");
+    ASSERT_NE(measureButton, nullptr);
+    EXPECT_FALSE(shown(measureButton));
+    appState->enableSync();
+    EXPECT_TRUE(shown(measureButton));
+    EXPECT_EQ(measureButton->text(), QStringLiteral("Measure with microphone…"));
+    EXPECT_FALSE(shown(child<ui::MeasureButton>(&without, "measureButton")));
+    appState->disableSync();
+    EXPECT_FALSE(shown(measureButton));
 }
 
-TEST_F(MeasureWithMicrophone, TheDialogOffersTheMicrophonesDefaultFirstAndStartsWithTheChosenOne)
+TEST_F(MeasureWithMicrophone, TheDialogStartsWithTheChosenMicrophoneShowsTheResultAndApplySetsBothDelays)
 {
-    syncOn();
+    appState->setBluetoothDelay(40, kSpeakers);
     auto* picker = child<QComboBox>(&dialog(), "microphonePicker");
     ASSERT_EQ(picker->count(), 2);
-    EXPECT_EQ(picker->itemText(0), QStringLiteral("USB Microphone"));
+    EXPECT_EQ(picker->itemText(0), QStringLiteral("USB Microphone")); // the default first
     EXPECT_EQ(textOf("measureInstruction"),
               QStringLiteral("Place the microphone where you listen and keep the room quiet."));
     picker->setCurrentIndex(1);
-    child<QPushButton>(&dialog(), "startButton")->click();
+    button("startButton")->click();
     EXPECT_EQ(measurement.startedWith, "laptop.mic");
-    EXPECT_FALSE(child<QPushButton>(&dialog(), "startButton")->isEnabled());
-    EXPECT_FALSE(child<QPushButton>(&dialog(), "applyButton")->isEnabled());
+    EXPECT_FALSE(button("startButton")->isEnabled());
+    EXPECT_FALSE(button("applyButton")->isEnabled());
     EXPECT_TRUE(shown(child<QProgressBar>(&dialog(), "measureProgress")));
-}
 
-TEST_F(MeasureWithMicrophone, AResultShowsEachSpeakerAndTheSpreadAndApplySetsBothDelays)
-{
-    syncOn();
-    appState->setBluetoothDelay(40, kSpeakers);
-    dialog().startMeasuring();
-    measurement.finish(measured(0.0, 152.4));
+    measurement.finish(outcome(MeasurementStatus::Measured, {0.0, 152.4}));
     EXPECT_EQ(child<QProgressBar>(&dialog(), "measureProgress")->value(), 50);
     EXPECT_EQ(textOf("speakerName0"), QStringLiteral("Speakers"));
     EXPECT_EQ(textOf("speakerLateness0"), QStringLiteral("0.0 ms"));
     EXPECT_EQ(textOf("speakerName1"), QStringLiteral("BT Speaker"));
     EXPECT_EQ(textOf("speakerLateness1"), QStringLiteral("152.4 ms"));
     EXPECT_EQ(textOf("spreadLabel"), QStringLiteral("Spread of the repeats: 0.8 ms"));
-    ASSERT_TRUE(child<QPushButton>(&dialog(), "applyButton")->isEnabled());
-
     sim.reset();
-    child<QPushButton>(&dialog(), "applyButton")->click();
-    EXPECT_EQ(appState->bluetoothDelays().at("bt"), 152);
-    EXPECT_EQ(appState->bluetoothDelays().at("spk"), 0);
+    button("applyButton")->click();
+    EXPECT_EQ(appState->bluetoothDelays(), (state::DelayMap{{"bt", 152}, {"spk", 0}}));
     EXPECT_EQ(memoryDefaults.value(QString::fromLatin1(state::AppState::kBluetoothDelaysKey)).toMap().value("bt"),
               QVariant(152));
-    // Applied live, like any other change of a delay.
-    EXPECT_FALSE(sim.printed.lines.empty());
-}
+    EXPECT_FALSE(sim.printed.lines.empty()); // applied live, like any other change of a delay
 
-TEST_F(MeasureWithMicrophone, ALaterWiredSpeakerIsMarkedAsBluetoothAndABeyondTheLongestDelayIsAppliedAsTheLongest)
-{
-    syncOn();
-    dialog().startMeasuring();
-    measurement.finish(measured(85.0, 0.0));
-    child<QPushButton>(&dialog(), "applyButton")->click();
+    // A later wired speaker is marked as Bluetooth; beyond the longest delay, the longest is applied.
+    measure(outcome(MeasurementStatus::Measured, {85.0, 0.0}));
+    button("applyButton")->click();
     EXPECT_EQ(appState->effectiveDelay(appState->selectedDevice1()), 85);
     EXPECT_TRUE(appState->manualBluetoothOverrides().at("spk"));
-
-    dialog().startMeasuring();
-    measurement.finish(measured(0.0, 650.0));
+    measure(outcome(MeasurementStatus::Measured, {0.0, 650.0}));
     EXPECT_EQ(textOf("measureMessage"),
               QStringLiteral("The difference is 650.0 ms, more than the longest delay of 600 ms: Apply sets 600 ms."));
-    child<QPushButton>(&dialog(), "applyButton")->click();
+    button("applyButton")->click();
     EXPECT_EQ(appState->bluetoothDelays().at("bt"), 600);
 }
 
 TEST_F(MeasureWithMicrophone, ARunTurnedDownOrNoMicrophoneSaysWhyAndOffersNoApply)
 {
-    syncOn();
-    const std::vector<std::pair<MeasurementOutcome, QString>> rows{
-        {[] {
-             MeasurementOutcome o;
-             o.status = MeasurementStatus::NoSignal;
-             o.silentMember = 1;
-             return o;
-         }(),
-         QStringLiteral("No sound from BT Speaker. Check that this speaker is on and turned up.")},
-        {[] {
-             MeasurementOutcome o;
-             o.status = MeasurementStatus::TooQuiet;
-             return o;
-         }(),
-         QStringLiteral("Too quiet: the microphone hardly heard the test sounds. Turn the speakers up or bring the "
-                        "microphone closer.")},
-        {[] {
-             MeasurementOutcome o;
-             o.status = MeasurementStatus::RepeatsDisagree;
-             o.spreadMs = 7.26;
-             return o;
-         }(),
-         QStringLiteral("The repeats disagree by 7.3 ms, more than 5 ms. Keep the room quiet and try again.")},
-    };
-    for (const auto& [outcome, message] : rows) {
-        dialog().startMeasuring();
-        measurement.finish(outcome);
+    for (const auto& [result, message] : std::initializer_list<std::pair<MeasurementOutcome, QString>>{
+             {outcome(MeasurementStatus::NoSignal),
+              QStringLiteral("No sound from BT Speaker. Check that this speaker is on and turned up.")},
+             {outcome(MeasurementStatus::TooQuiet),
+              QStringLiteral("Too quiet: the microphone hardly heard the test sounds. Turn the speakers up or "
+                             "bring the microphone closer.")},
+             {outcome(MeasurementStatus::RepeatsDisagree, {}, 7.26),
+              QStringLiteral("The repeats disagree by 7.3 ms, more than 5 ms. Keep the room quiet and try again.")}}) {
+        measure(result);
         EXPECT_EQ(textOf("measureMessage"), message);
-        EXPECT_FALSE(child<QPushButton>(&dialog(), "applyButton")->isEnabled());
-        EXPECT_TRUE(child<QPushButton>(&dialog(), "startButton")->isEnabled());
+        EXPECT_FALSE(button("applyButton")->isEnabled());
+        EXPECT_TRUE(button("startButton")->isEnabled());
     }
     measurement.listed.clear();
     measureDialog.reset();
     EXPECT_EQ(textOf("measureMessage"), QStringLiteral("No microphone found."));
-    EXPECT_FALSE(child<QPushButton>(&dialog(), "startButton")->isEnabled());
+    EXPECT_FALSE(button("startButton")->isEnabled());
 }
 
-TEST_F(MeasureWithMicrophone, SyncGoingOffOrCancelStopsTheRunAndClosesTheDialog)
+TEST_F(MeasureWithMicrophone, SyncGoingOffStopsTheRunAndClosesTheDialogAndArabicLaysItOutRightToLeft)
 {
-    syncOn();
+    lang.setCurrentLanguage(QStringLiteral("العربية"));
+    EXPECT_EQ(dialog().layoutDirection(), Qt::RightToLeft);
+    EXPECT_EQ(button("startButton")->text(), QStringLiteral("ابدأ"));
+    EXPECT_EQ(dialog().windowTitle(), QStringLiteral("قياس التأخير"));
     dialog().show();
     dialog().startMeasuring();
     appState->disableSync();
     EXPECT_GE(measurement.cancels, 1);
     EXPECT_FALSE(dialog().isVisible());
-}
-
-TEST_F(MeasureWithMicrophone, ArabicLaysTheDialogOutRightToLeftInItsOwnWords)
-{
-    syncOn();
-    lang.setCurrentLanguage(QStringLiteral("العربية"));
-    EXPECT_EQ(dialog().layoutDirection(), Qt::RightToLeft);
-    EXPECT_EQ(child<QPushButton>(&dialog(), "startButton")->text(), QStringLiteral("ابدأ"));
-    EXPECT_EQ(dialog().windowTitle(), QStringLiteral("قياس التأخير"));
 }
 
 } // namespace

@@ -2,19 +2,13 @@
 
 #include "services/PlatformServices.h"
 #include "services/SimulatedHttpClient.h"
-#include "ui/ContentView.h"
-#include "ui/MainWindow.h"
 #include "ui/OrvantaApp.h"
 #include "ui/TrayIcon.h"
 #include "update/UpdateChecker.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
-#include <QScreen>
 #include <QSystemTrayIcon>
 
 #include <memory>
@@ -65,7 +59,7 @@ protected:
     int quits = 0;
 };
 
-TEST_F(Shell, StartOpensTheMainWindowShowsTheTrayIconAndThenChecksForUpdatesSilently)
+TEST_F(Shell, StartOpensTheWindowAndTheTrayIconThenChecksForUpdatesSilentlyBothMenusCheckAndFollowTheLanguage)
 {
     EXPECT_EQ(make().mainWindow(), nullptr); // nothing is opened before start()
     app->start();
@@ -75,10 +69,8 @@ TEST_F(Shell, StartOpensTheMainWindowShowsTheTrayIconAndThenChecksForUpdatesSile
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->windowTitle(), "Orvanta");
     EXPECT_EQ(window->objectName(), "main");
-    ASSERT_NE(app->trayIcon(), nullptr);
     EXPECT_TRUE(app->trayIcon()->systemTrayIcon()->isVisible());
     EXPECT_TRUE(http.requests.isEmpty()); // the launch check runs once the loop runs
-
     drainEvents();
     EXPECT_THAT(http.requests, ElementsAre(QUrl(feed)));
     // The launch check fails without a sign; start-up chose no device and started no sync.
@@ -86,32 +78,19 @@ TEST_F(Shell, StartOpensTheMainWindowShowsTheTrayIconAndThenChecksForUpdatesSile
     drainEvents();
     EXPECT_TRUE(alerts.shown.isEmpty());
     EXPECT_FALSE(appState->selectedDevice1() || appState->isQuellonOn());
-}
-
-TEST_F(Shell, CheckForUpdatesIsInTheApplicationMenuAndTheTrayMenuAndEndsInADialog)
-{
-    make().start();
-    drainEvents();
-    http.requests.clear();
 
     QAction* inMenu = mainWindowAction("checkForUpdatesAction");
-    ASSERT_NE(inMenu, nullptr);
     EXPECT_EQ(inMenu->text(), "Check for Updates...");
     inMenu->trigger();
     ASSERT_TRUE(runUntil([this] { return alerts.shown.size() == 1; }));
     EXPECT_EQ(alerts.shown[0].messageText, "Update Check Failed");
-
     QAction* inTray = app->trayIcon()->checkForUpdatesAction();
-    EXPECT_EQ(inTray->text(), "Check for Updates...");
     EXPECT_TRUE(app->trayIcon()->contextMenu()->actions().contains(inTray));
     inTray->trigger();
     ASSERT_TRUE(runUntil([this] { return alerts.shown.size() == 2; }));
-    EXPECT_THAT(http.requests, ElementsAre(QUrl(feed), QUrl(feed)));
-}
+    EXPECT_EQ(http.requests.size(), 3);
 
-TEST_F(Shell, ALanguageChangeRetitlesTheCommandButNotTheWindowAndSetsTheDirection)
-{
-    make().start();
+    // A language change retitles the commands but not the window, and sets the direction.
     lang.setCurrentLanguage(QStringLiteral("Español"));
     const QString translated = lang.translate("Check for Updates...");
     ASSERT_NE(translated, "Check for Updates...");
@@ -129,25 +108,21 @@ TEST_F(Shell, ALanguageChangeRetitlesTheCommandButNotTheWindowAndSetsTheDirectio
     EXPECT_EQ(QApplication::layoutDirection(), Qt::LeftToRight);
 }
 
-TEST_F(Shell, TheTraySymbolFollowsSyncWhereverItIsSwitched)
+TEST_F(Shell, TheTraySymbolFollowsSyncTheIconOpensThePanelAsAFramelessPopUpAndBothMenusQuit)
 {
     make().start();
     ui::TrayIcon* tray = app->trayIcon();
+    const auto icon = [tray] { return tray->systemTrayIcon()->icon().pixmap(22).toImage(); };
     EXPECT_EQ(tray->currentSymbol(), "speaker.wave.2");
-    const auto offIcon = tray->systemTrayIcon()->icon().pixmap(22).toImage();
+    const QImage offIcon = icon();
     selectBoth();
     appState->enableSync();
     EXPECT_EQ(tray->currentSymbol(), "speaker.wave.2.fill");
-    EXPECT_NE(tray->systemTrayIcon()->icon().pixmap(22).toImage(), offIcon);
+    EXPECT_NE(icon(), offIcon);
     appState->disableSync();
     EXPECT_EQ(tray->currentSymbol(), "speaker.wave.2");
-    EXPECT_EQ(tray->systemTrayIcon()->icon().pixmap(22).toImage(), offIcon);
-}
+    EXPECT_EQ(icon(), offIcon);
 
-TEST_F(Shell, ClickingTheTrayIconOpensThePanelAsAFramelessPopUpAndClosesIt)
-{
-    make().start();
-    ui::TrayIcon* tray = app->trayIcon();
     QWidget* popup = tray->panelWindow();
     EXPECT_FALSE(popup->isVisible());
     tray->togglePanel();
@@ -156,7 +131,6 @@ TEST_F(Shell, ClickingTheTrayIconOpensThePanelAsAFramelessPopUpAndClosesIt)
     EXPECT_TRUE(popup->windowFlags().testFlag(Qt::FramelessWindowHint));
     tray->togglePanel();
     EXPECT_FALSE(popup->isVisible());
-
     // Open Main Window in the panel closes the panel and shows the window.
     QTest::qWait(350);
     tray->togglePanel();
@@ -164,12 +138,8 @@ TEST_F(Shell, ClickingTheTrayIconOpensThePanelAsAFramelessPopUpAndClosesIt)
     tray->panel()->openMainWindow();
     EXPECT_FALSE(popup->isVisible());
     EXPECT_TRUE(app->mainWindow()->isVisible());
-}
 
-TEST_F(Shell, TheTrayMenuQuits)
-{
-    make().start();
-    const auto actions = app->trayIcon()->contextMenu()->actions();
+    const auto actions = tray->contextMenu()->actions();
     const auto quit = std::find_if(actions.begin(), actions.end(),
                                    [](QAction* action) { return action->objectName() == "quitAction"; });
     ASSERT_NE(quit, actions.end());
@@ -179,28 +149,9 @@ TEST_F(Shell, TheTrayMenuQuits)
     EXPECT_EQ(quits, 2);
 }
 
-TEST_F(Shell, WithoutATrayClosingTheWindowSaysOnceInTheInterfaceLanguageThatOrvantaKeepsRunning)
+TEST_F(Shell, WithoutATrayTheApplicationMenuOffersLaunchAtLogin)
 {
-    make(false).start();
-    lang.setCurrentLanguage("Español");
-    app->mainWindow()->close();
-    drainEvents();
-    ASSERT_EQ(alerts.shown.size(), 1);
-    EXPECT_EQ(alerts.shown[0].messageText, "Orvanta sigue en ejecución");
-    EXPECT_THAT(alerts.shown[0].informativeText.toStdString(), ::testing::HasSubstr("inicie Orvanta de nuevo"));
-    EXPECT_EQ(quits, 0);
-
-    app->showMainWindow();
-    ASSERT_NE(app->mainWindow(), nullptr);
-    app->mainWindow()->close();
-    drainEvents();
-    EXPECT_EQ(alerts.shown.size(), 1);
-}
-
-TEST_F(Shell, TheApplicationMenuOffersLaunchAtLoginOnlyWithoutATray)
-{
-    EXPECT_EQ(make(true).mainWindow(), nullptr);
-    app->start();
+    make(true).start();
     EXPECT_EQ(app->mainWindow()->menuBar()->findChild<QAction*>("launchAtLoginAction"), nullptr);
     app.reset();
     make(false).start();
@@ -214,7 +165,7 @@ TEST_F(Shell, TheApplicationMenuOffersLaunchAtLoginOnlyWithoutATray)
     EXPECT_FALSE(login->isChecked());
 }
 
-TEST_F(Shell, ClosingTheWindowKeepsTheProgramAndASecondLaunchBringsItBackOrOpensOne)
+TEST_F(Shell, ClosingTheWindowKeepsTheProgramSayingSoOnceOnlyWithoutATrayAndASecondLaunchBringsItBackOrOpensOne)
 {
     make().start();
     QPointer<ui::MainWindow> window = app->mainWindow();
@@ -222,19 +173,31 @@ TEST_F(Shell, ClosingTheWindowKeepsTheProgramAndASecondLaunchBringsItBackOrOpens
     app->showMainWindow();
     EXPECT_EQ(app->mainWindow(), window);
     EXPECT_FALSE(window->isMinimized());
-
     window->close();
     drainEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(window.isNull());
-    EXPECT_EQ(quits, 0);
     EXPECT_TRUE(alerts.shown.isEmpty());
     app->showMainWindow();
     ASSERT_NE(app->mainWindow(), nullptr);
     EXPECT_TRUE(app->mainWindow()->isVisible());
+
+    app.reset();
+    make(false).start();
+    lang.setCurrentLanguage("Español");
+    for (int close = 0; close < 2; ++close) {
+        app->showMainWindow();
+        ASSERT_NE(app->mainWindow(), nullptr);
+        app->mainWindow()->close();
+        drainEvents();
+    }
+    ASSERT_EQ(alerts.shown.size(), 1);
+    EXPECT_EQ(alerts.shown[0].messageText, "Orvanta sigue en ejecución");
+    EXPECT_THAT(alerts.shown[0].informativeText.toStdString(), ::testing::HasSubstr("inicie Orvanta de nuevo"));
+    EXPECT_EQ(quits, 0);
 }
 
-TEST_F(Shell, TheWindowComesBackWhereItWas)
+TEST_F(Shell, TheWindowComesBackWhereItWasIfThatIsOnAScreen)
 {
     auto withSettings = services();
     withSettings.userDefaults = &memoryDefaults;
@@ -246,16 +209,10 @@ TEST_F(Shell, TheWindowComesBackWhereItWas)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(first.isNull());
     const QVariantMap stored = memoryDefaults.value(ui::MainWindow::kPositionKey).toMap();
-    EXPECT_EQ(stored.value("x").toInt(), 123);
-    EXPECT_EQ(stored.value("y").toInt(), 45);
-
-    ui::MainWindow second(lang, *appState, withSettings);
-    EXPECT_EQ(second.pos(), QPoint(123, 45));
-
-    // A place on no screen any more is not given back.
+    EXPECT_EQ(QPoint(stored.value("x").toInt(), stored.value("y").toInt()), QPoint(123, 45));
+    EXPECT_EQ(ui::MainWindow(lang, *appState, withSettings).pos(), QPoint(123, 45));
     memoryDefaults.setValue(ui::MainWindow::kPositionKey, QVariantMap{{"x", -5000}, {"y", -5000}});
-    ui::MainWindow third(lang, *appState, withSettings);
-    EXPECT_NE(third.pos(), QPoint(-5000, -5000));
+    EXPECT_NE(ui::MainWindow(lang, *appState, withSettings).pos(), QPoint(-5000, -5000));
 }
 
 TEST(PanelPlacement, CentresUnderAnIconAtTheTopAndAboveOneAtTheBottomInsideTheScreen)

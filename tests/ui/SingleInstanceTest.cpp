@@ -19,24 +19,7 @@
 namespace orvanta::testing {
 namespace {
 
-TEST(SingleInstance, TheFirstClaimListensAndAnswersAnActivationRequestButNoOtherMessage)
-{
-    QTemporaryDir runtime;
-    ui::SingleInstance first(runtime.path());
-    ASSERT_EQ(first.claim(), ui::SingleInstance::Claim::First);
-    QSignalSpy activations(&first, &ui::SingleInstance::activationRequested);
-
-    QLocalSocket client;
-    client.connectToServer(first.socketPath());
-    ASSERT_TRUE(runUntil([&client] { return client.state() == QLocalSocket::ConnectedState; }));
-    client.write("quit\n");
-    client.write("activate\n");
-    ASSERT_TRUE(runUntil([&client] { return client.canReadLine(); }));
-    EXPECT_EQ(client.readLine(), "ok\n");
-    EXPECT_EQ(activations.size(), 1);
-}
-
-TEST(SingleInstance, ASocketLeftByACrashedInstanceDoesNotBlockTheNextStart)
+TEST(SingleInstance, ASocketLeftByACrashedInstanceDoesNotBlockTheNextWhichAnswersOnlyAnActivationRequest)
 {
     QTemporaryDir runtime;
     {
@@ -49,10 +32,16 @@ TEST(SingleInstance, ASocketLeftByACrashedInstanceDoesNotBlockTheNextStart)
         stale.open(QIODevice::WriteOnly); // what a crash leaves: the name, and no listener
     }
     ui::SingleInstance next(runtime.path());
-    EXPECT_EQ(next.claim(), ui::SingleInstance::Claim::First);
+    ASSERT_EQ(next.claim(), ui::SingleInstance::Claim::First);
+    QSignalSpy activations(&next, &ui::SingleInstance::activationRequested);
     QLocalSocket client;
     client.connectToServer(next.socketPath());
-    EXPECT_TRUE(runUntil([&client] { return client.state() == QLocalSocket::ConnectedState; }));
+    ASSERT_TRUE(runUntil([&client] { return client.state() == QLocalSocket::ConnectedState; }));
+    client.write("quit\n");
+    client.write("activate\n");
+    ASSERT_TRUE(runUntil([&client] { return client.canReadLine(); }));
+    EXPECT_EQ(client.readLine(), "ok\n");
+    EXPECT_EQ(activations.size(), 1);
 }
 
 TEST(SingleInstance, ASecondLaunchWaitsForAFirstThatIsStillStarting)

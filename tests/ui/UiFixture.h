@@ -10,10 +10,15 @@
 #include "i18n/LanguageManager.h"
 #include "services/SimulatedAlerts.h"
 #include "services/SimulatedBundleInfo.h"
+#include "services/SimulatedSoundSystemStatus.h"
 #include "services/SimulatedWorkspace.h"
 #include "ui/ContentView.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuBarView.h"
 #include "ui/ViewServices.h"
+#include "ui/Widgets.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -145,36 +150,20 @@ struct UiFixture : StateFixture
 };
 
 class MainWindowContent : public ::testing::Test, public UiFixture
-{
-protected:
-    explicit MainWindowContent(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth())
-        : UiFixture(std::move(devices))
-    {}
-};
+{};
 
-// The application font at a scale, for the life of the object.
-class TextScale
-{
-public:
-    explicit TextScale(double scale) : saved(QApplication::font())
-    {
-        QFont scaled = saved;
-        scaled.setPointSizeF(saved.pointSizeF() * scale);
-        QApplication::setFont(scaled);
-    }
-    ~TextScale() { QApplication::setFont(saved); }
-    TextScale(const TextScale&) = delete;
-    TextScale& operator=(const TextScale&) = delete;
-
-private:
-    QFont saved;
-};
-
-// Views over two Bluetooth speakers at a text scale, so that every row the views have is shown.
+// Views over two Bluetooth speakers with the application font at a scale, so that every row the
+// views have is shown.
 class ScaledViews : public ::testing::TestWithParam<double>, public UiFixture
 {
 protected:
-    ScaledViews() : UiFixture(twoBluetoothSpeakers()) {}
+    ScaledViews() : UiFixture(twoBluetoothSpeakers())
+    {
+        QFont scaled = savedFont;
+        scaled.setPointSizeF(savedFont.pointSizeF() * GetParam());
+        QApplication::setFont(scaled);
+    }
+    ~ScaledViews() override { QApplication::setFont(savedFont); }
 
     // Both Bluetooth speakers synced, the primary at full volume, delays of three digits.
     void syncTwoBluetoothSpeakers()
@@ -188,7 +177,7 @@ protected:
         ASSERT_TRUE(appState->isQuellonOn());
     }
 
-    TextScale text{GetParam()};
+    const QFont savedFont = QApplication::font();
 };
 
 } // namespace orvanta::testing

@@ -40,7 +40,7 @@ double shareOf(const QImage& image, QRgb color)
     return drawn == 0 ? 0.0 : static_cast<double>(matching) / drawn;
 }
 
-TEST(Symbols, EverySymbolTheViewsNameIsCarriedAndDrawnInTheTintItIsGiven)
+TEST(Symbols, EverySymbolTheViewsNameIsCarriedAndDrawnInTheTintItIsGivenAndTheIconsAreDrawn)
 {
     for (const char* name :
          {"speaker.wave.2.fill", "speaker.wave.2", "speaker.fill", "lock.shield.fill", "arrow.clockwise",
@@ -58,10 +58,8 @@ TEST(Symbols, EverySymbolTheViewsNameIsCarriedAndDrawnInTheTintItIsGiven)
     // A filled circle keeps its white inner mark whatever the tint.
     EXPECT_GT(shareOf(ui::symbolPixmap("plus.circle.fill", QColor(0, 0, 200), 32).toImage(), qRgb(255, 255, 255)),
               0.05);
-}
 
-TEST(Symbols, TheProgramsIconAndTheTrayIconsAreDrawn)
-{
+    // The program's icon and the tray icons.
     const QImage icon = ui::appIconPixmap(64).toImage();
     ASSERT_FALSE(icon.isNull());
     EXPECT_EQ(qAlpha(icon.pixel(32, 32)), 255);
