@@ -1,9 +1,9 @@
 #include "AudioBackend.h"
 
-#include "PipeWireAudioHardware.h"
-#include "PipeWireLoop.h"
-#include "PulseAudioHardware.h"
-#include "PulseConnection.h"
+#include "pipewire/PipeWireAudioHardware.h"
+#include "pipewire/PipeWireLoop.h"
+#include "pulse/PulseAudioHardware.h"
+#include "pulse/PulseConnection.h"
 #include "sim/DeviceDescription.h"
 #include "sim/SimStateFile.h"
 #include "sim/SimulatedAudioHardware.h"

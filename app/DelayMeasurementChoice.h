@@ -11,6 +11,6 @@
 
 namespace orvanta::app {
 
-std::unique_ptr<platform::DelayMeasurement> delayMeasurementFor(hal::AudioHardware& hardware);
+std::unique_ptr<services::DelayMeasurement> delayMeasurementFor(hal::AudioHardware& hardware);
 
 } // namespace orvanta::app

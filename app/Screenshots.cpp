@@ -10,16 +10,16 @@
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
 #include "i18n/LanguageManager.h"
-#include "services/MemoryLoginItems.h"
-#include "services/MemoryUserDefaults.h"
-#include "services/SimAccessibilityTrust.h"
-#include "services/SimEventTap.h"
-#include "services/SimulatedAlerts.h"
-#include "services/SimulatedBundleInfo.h"
-#include "services/SimulatedSoundSystemStatus.h"
-#include "services/SimulatedWorkspace.h"
 #include "sim/DeviceDescription.h"
+#include "sim/MemoryLoginItems.h"
+#include "sim/MemoryUserDefaults.h"
+#include "sim/SimAccessibilityTrust.h"
+#include "sim/SimEventTap.h"
+#include "sim/SimulatedAlerts.h"
 #include "sim/SimulatedAudioHardware.h"
+#include "sim/SimulatedBundleInfo.h"
+#include "sim/SimulatedSoundSystemStatus.h"
+#include "sim/SimulatedWorkspace.h"
 #include "state/AppState.h"
 #include "state/MediaKeyManager.h"
 #include "ui/MainWindow.h"
@@ -127,7 +127,7 @@ int main(int argc, char** argv)
     i18n::LanguageManager lang(defaults);
     state::AppState appState({audioLayer, defaults, loginItems, trust, mediaKeys, printed.log()});
     // Drawn as on a desktop whose sound server answers.
-    sim::SimulatedSoundSystemStatus soundStatus(platform::SoundSystemStatus::State::Connected);
+    sim::SimulatedSoundSystemStatus soundStatus(services::SoundSystemStatus::State::Connected);
     const ui::ViewServices services{audioLayer, mediaKeys, trust, alerts, workspace, &bundle, &soundStatus};
 
     const auto devices = appState.devices();

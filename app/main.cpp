@@ -3,27 +3,27 @@
 // is made here, handed to whoever needs it, and torn down here before the application object.
 
 #include "AudioBackend.h"
-#include "BuildBundleInfo.h"
 #include "DelayMeasurementChoice.h"
-#include "DesktopWorkspace.h"
-#include "JsonFileUserDefaults.h"
-#include "MessageBoxAlerts.h"
-#include "NetworkHttpClient.h"
-#include "PulseSoundSystemStatus.h"
-#include "X11AccessibilityTrust.h"
-#include "X11EventTap.h"
-#include "XdgAutostartLoginItems.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
+#include "desktop/BuildBundleInfo.h"
+#include "desktop/DesktopWorkspace.h"
+#include "desktop/JsonFileUserDefaults.h"
+#include "desktop/MessageBoxAlerts.h"
+#include "desktop/NetworkHttpClient.h"
+#include "desktop/PulseSoundSystemStatus.h"
+#include "desktop/XdgAutostartLoginItems.h"
 #include "i18n/LanguageManager.h"
 #include "services/PlatformServices.h"
-#include "services/SimulatedSoundSystemStatus.h"
 #include "sim/SimulatedAudioHardware.h"
+#include "sim/SimulatedSoundSystemStatus.h"
 #include "state/AppState.h"
 #include "state/MediaKeyManager.h"
 #include "ui/OrvantaApp.h"
 #include "ui/SingleInstance.h"
 #include "update/UpdateChecker.h"
+#include "x11/X11AccessibilityTrust.h"
+#include "x11/X11EventTap.h"
 
 #include <QApplication>
 #include <QGuiApplication>
@@ -66,35 +66,35 @@ int main(int argc, char** argv)
     std::fflush(stdout);
     audio::AudioWrapper audioLayer(*backend.hardware, core::standardOutputLog());
 
-    linux_platform::JsonFileUserDefaults userDefaults;
-    linux_platform::XdgAutostartLoginItems loginItems(linux_platform::XdgAutostartLoginItems::defaultEntryPath(),
-                                                      QCoreApplication::applicationFilePath());
+    desktop::JsonFileUserDefaults userDefaults;
+    desktop::XdgAutostartLoginItems loginItems(desktop::XdgAutostartLoginItems::defaultEntryPath(),
+                                               QCoreApplication::applicationFilePath());
     // The sound server's connection, followed live; the simulated system says it is one.
-    std::unique_ptr<platform::SoundSystemStatus> soundStatus;
+    std::unique_ptr<services::SoundSystemStatus> soundStatus;
     if (backend.connection) {
-        soundStatus = std::make_unique<linux_platform::PulseSoundSystemStatus>(
-            *backend.connection, QString::fromStdString(backend.serverName));
+        soundStatus = std::make_unique<desktop::PulseSoundSystemStatus>(*backend.connection,
+                                                                        QString::fromStdString(backend.serverName));
     } else {
         const bool simulated = dynamic_cast<sim::SimulatedAudioHardware*>(backend.hardware.get()) != nullptr;
         soundStatus = std::make_unique<sim::SimulatedSoundSystemStatus>(
-            simulated ? platform::SoundSystemStatus::State::Simulated : platform::SoundSystemStatus::State::Connected);
+            simulated ? services::SoundSystemStatus::State::Simulated : services::SoundSystemStatus::State::Connected);
     }
     // The volume keys are grabbed on an X11 display. In a Wayland session (even through
     // XWayland) the desktop has them; they reach the stacked device when it handles them.
     auto* x11Native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     const bool waylandSession = qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland");
     x11::X11VolumeKeys volumeKeys(x11Native && !waylandSession ? x11Native->connection() : nullptr);
-    const bool onServer = soundStatus->state() != platform::SoundSystemStatus::State::Simulated;
+    const bool onServer = soundStatus->state() != services::SoundSystemStatus::State::Simulated;
     x11::X11AccessibilityTrust trust(
         volumeKeys, onServer ? x11::X11AccessibilityTrust::Sound::Server : x11::X11AccessibilityTrust::Sound::Simulated,
         qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
     x11::X11EventTap eventTap(volumeKeys);
-    linux_platform::NetworkHttpClient http;
-    linux_platform::MessageBoxAlerts alerts;
-    linux_platform::DesktopWorkspace workspace;
-    linux_platform::BuildBundleInfo bundle(QStringLiteral(ORVANTA_VERSION));
+    desktop::NetworkHttpClient http;
+    desktop::MessageBoxAlerts alerts;
+    desktop::DesktopWorkspace workspace;
+    desktop::BuildBundleInfo bundle(QStringLiteral(ORVANTA_VERSION));
 
-    const platform::PlatformServices services{&userDefaults, &loginItems, &trust,     &eventTap,
+    const services::PlatformServices services{&userDefaults, &loginItems, &trust,     &eventTap,
                                               &http,         &alerts,     &workspace, &bundle};
     state::MediaKeyManager mediaKeys(eventTap, core::standardOutputLog());
     // The tap must not outlive the display it grabs on.

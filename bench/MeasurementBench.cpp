@@ -5,11 +5,11 @@
 
 #include "support/SimulatedRoom.h"
 
-#include "AudioBackend.h"
-#include "MicrophoneMeasurement.h"
-#include "PipeWireAudioHardware.h"
+#include "app/AudioBackend.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
+#include "pipewire/MicrophoneMeasurement.h"
+#include "pipewire/PipeWireAudioHardware.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

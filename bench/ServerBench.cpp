@@ -8,9 +8,9 @@
 #include "support/OffsetMeter.h"
 #include "support/SoundServer.h"
 
-#include "AudioBackend.h"
-#include "PipeWireAudioHardware.h"
+#include "app/AudioBackend.h"
 #include "audio/AudioWrapper.h"
+#include "pipewire/PipeWireAudioHardware.h"
 
 #include <QFile>
 #include <QProcess>

@@ -34,7 +34,7 @@ QHash<QString, QHash<QString, QString>> allTables()
 }
 
 // Only a stored string counts; anything else (or nothing) means the default language.
-QString storedLanguage(const platform::UserDefaults& defaults)
+QString storedLanguage(const services::UserDefaults& defaults)
 {
     const QVariant stored = defaults.value(kSelectedLanguageKey);
     if (stored.typeId() != QMetaType::QString) {
@@ -45,7 +45,7 @@ QString storedLanguage(const platform::UserDefaults& defaults)
 
 } // namespace
 
-LanguageManager::LanguageManager(platform::UserDefaults& userDefaults, QObject* parent)
+LanguageManager::LanguageManager(services::UserDefaults& userDefaults, QObject* parent)
     : QObject(parent), defaults(userDefaults), languageNames(displayNames()), tables(allTables()),
       chosenLanguage(storedLanguage(userDefaults))
 {}

@@ -10,9 +10,9 @@
 #include <QString>
 #include <QStringList>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 class UserDefaults;
-} // namespace orvanta::platform
+} // namespace orvanta::services
 
 namespace orvanta::i18n {
 
@@ -23,7 +23,7 @@ class LanguageManager : public QObject
 
 public:
     // Reads the stored language ("English" when there is none) and builds the tables once.
-    explicit LanguageManager(platform::UserDefaults& defaults, QObject* parent = nullptr);
+    explicit LanguageManager(services::UserDefaults& defaults, QObject* parent = nullptr);
 
     // The text of key in the current language; the key itself when there is none.
     QString translate(const QString& key) const;
@@ -44,7 +44,7 @@ signals:
     void currentLanguageChanged();
 
 private:
-    platform::UserDefaults& defaults;
+    services::UserDefaults& defaults;
     QStringList languageNames;
     QHash<QString, QHash<QString, QString>> tables;
     QString chosenLanguage;

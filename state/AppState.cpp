@@ -13,7 +13,7 @@ namespace orvanta::state {
 AppState::AppState(AppStateServices appServices, QObject* parent) : QObject(parent), services(std::move(appServices))
 {
     // The login item's status is the starting value, not a choice: nothing is registered here.
-    startsAtLogin = services.loginItems.status() == platform::LoginItems::Status::Enabled;
+    startsAtLogin = services.loginItems.status() == services::LoginItems::Status::Enabled;
     // Settings are written by others too (the language), so the outcome comes from the store.
     // The store may outlive this object, so the observer checks that it is still there.
     services.userDefaults.setSaveObserver([self = QPointer<AppState>(this)](bool saved) {

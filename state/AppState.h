@@ -23,11 +23,11 @@
 namespace orvanta::audio {
 class AudioWrapper;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class AccessibilityTrust;
 class LoginItems;
 class UserDefaults;
-} // namespace orvanta::platform
+} // namespace orvanta::services
 
 namespace orvanta::state {
 
@@ -42,9 +42,9 @@ using OverrideMap = std::map<std::string, bool>;
 struct AppStateServices
 {
     audio::AudioWrapper& audio;
-    platform::UserDefaults& userDefaults;
-    platform::LoginItems& loginItems;
-    platform::AccessibilityTrust& trust;
+    services::UserDefaults& userDefaults;
+    services::LoginItems& loginItems;
+    services::AccessibilityTrust& trust;
     MediaKeyManager& mediaKeys;
     core::DiagnosticLog log;
 };

@@ -6,7 +6,7 @@
 
 namespace orvanta::state {
 
-MediaKeyManager::MediaKeyManager(platform::EventTap& eventTaps, core::DiagnosticLog diagnostics, QObject* parent)
+MediaKeyManager::MediaKeyManager(services::EventTap& eventTaps, core::DiagnosticLog diagnostics, QObject* parent)
     : QObject(parent), taps(eventTaps), log(std::move(diagnostics))
 {}
 
@@ -16,8 +16,8 @@ void MediaKeyManager::start()
         eventTap->setEnabled(true);
         return;
     }
-    auto port = taps.create(platform::kSystemDefinedEventMask,
-                            [this](const platform::TapEvent& event) { return handleEvent(event); });
+    auto port = taps.create(services::kSystemDefinedEventMask,
+                            [this](const services::TapEvent& event) { return handleEvent(event); });
     if (!port) {
         log("❌ Failed to create Event Tap. Check Accessibility Permissions.");
         return;
@@ -27,9 +27,9 @@ void MediaKeyManager::start()
     eventTap->setEnabled(true);
 }
 
-std::optional<platform::TapEvent> MediaKeyManager::handleEvent(const platform::TapEvent& event)
+std::optional<services::TapEvent> MediaKeyManager::handleEvent(const services::TapEvent& event)
 {
-    if (!event.readable || event.type != platform::kSystemDefinedEventType) {
+    if (!event.readable || event.type != services::kSystemDefinedEventType) {
         return event;
     }
     if ((event.data1 & kKeyStateMask) != kKeyDown) {
@@ -50,7 +50,7 @@ std::optional<platform::TapEvent> MediaKeyManager::handleEvent(const platform::T
 void MediaKeyManager::postStep(float step)
 {
     // The tap decides at once; the volume work, which reaches the audio layer, runs after it.
-    platform::postToMainQueue([self = QPointer<MediaKeyManager>(this), step] {
+    services::postToMainQueue([self = QPointer<MediaKeyManager>(this), step] {
         if (self) {
             emit self->masterVolumeStep(step);
         }

@@ -25,7 +25,7 @@ public:
     static constexpr qint64 kSoundUp = 0;
     static constexpr qint64 kSoundDown = 1;
 
-    MediaKeyManager(platform::EventTap& taps, core::DiagnosticLog log, QObject* parent = nullptr);
+    MediaKeyManager(services::EventTap& taps, core::DiagnosticLog log, QObject* parent = nullptr);
 
     // Creates, installs and enables the tap. A tap that already exists is enabled again and
     // kept: a second tap would only see what the first one passed on.
@@ -34,7 +34,7 @@ public:
     void stop() { eventTap.reset(); }
 
     // Gives the event to pass on, or nothing when it is dropped.
-    std::optional<platform::TapEvent> handleEvent(const platform::TapEvent& event);
+    std::optional<services::TapEvent> handleEvent(const services::TapEvent& event);
 
     bool hasTap() const { return eventTap != nullptr; }
 
@@ -44,9 +44,9 @@ signals:
 private:
     void postStep(float step);
 
-    platform::EventTap& taps;
+    services::EventTap& taps;
     core::DiagnosticLog log;
-    std::unique_ptr<platform::EventTapPort> eventTap;
+    std::unique_ptr<services::EventTapPort> eventTap;
 };
 
 } // namespace orvanta::state

@@ -12,7 +12,7 @@
 namespace orvanta::ui {
 
 BalanceSection::BalanceSection(i18n::LanguageManager& languageManager, state::AppState& state,
-                               platform::DelayMeasurement* measurement, QWidget* parent)
+                               services::DelayMeasurement* measurement, QWidget* parent)
     : QWidget(parent), lang(languageManager), appState(state)
 {
     setObjectName(QStringLiteral("balanceSection"));

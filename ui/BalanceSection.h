@@ -10,7 +10,7 @@ class QLabel;
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class DelayMeasurement;
 }
 namespace orvanta::state {
@@ -26,7 +26,7 @@ class BalanceSection : public QWidget
     Q_OBJECT
 
 public:
-    BalanceSection(i18n::LanguageManager& lang, state::AppState& appState, platform::DelayMeasurement* measurement,
+    BalanceSection(i18n::LanguageManager& lang, state::AppState& appState, services::DelayMeasurement* measurement,
                    QWidget* parent = nullptr);
 
     void redraw();

@@ -12,8 +12,8 @@
 
 namespace orvanta::ui {
 
-ContentFooter::ContentFooter(i18n::LanguageManager& languageManager, platform::Workspace& desktop,
-                             platform::BundleInfo* bundle, QWidget* parent)
+ContentFooter::ContentFooter(i18n::LanguageManager& languageManager, services::Workspace& desktop,
+                             services::BundleInfo* bundle, QWidget* parent)
     : QWidget(parent), lang(languageManager), workspace(desktop)
 {
     auto* column = new QVBoxLayout(this);

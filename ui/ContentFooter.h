@@ -11,10 +11,10 @@ class QPushButton;
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class BundleInfo;
 class Workspace;
-} // namespace orvanta::platform
+} // namespace orvanta::services
 
 namespace orvanta::ui {
 
@@ -24,7 +24,7 @@ class ContentFooter : public QWidget
 
 public:
     // Without bundle there is no version line.
-    ContentFooter(i18n::LanguageManager& lang, platform::Workspace& workspace, platform::BundleInfo* bundle,
+    ContentFooter(i18n::LanguageManager& lang, services::Workspace& workspace, services::BundleInfo* bundle,
                   QWidget* parent = nullptr);
 
     void redraw();
@@ -34,7 +34,7 @@ private:
     void openAddress(const QString& address);
 
     i18n::LanguageManager& lang;
-    platform::Workspace& workspace;
+    services::Workspace& workspace;
     QLabel* notesTitle = nullptr;
     QLabel* warningText = nullptr;
     QLabel* keepRunningText = nullptr;

@@ -67,7 +67,7 @@ ContentView::ContentView(i18n::LanguageManager& languageManager, state::AppState
     redrawOnChanges(appState, lang, this, &ContentView::redraw);
     connect(&appState, &state::AppState::isTrustedChanged, this, &ContentView::trustChanged);
     if (services.soundSystem != nullptr) {
-        connect(services.soundSystem, &platform::SoundSystemStatus::stateChanged, this,
+        connect(services.soundSystem, &services::SoundSystemStatus::stateChanged, this,
                 &ContentView::soundSystemChanged);
     }
     redraw();
@@ -173,7 +173,7 @@ void ContentView::trustChanged()
 void ContentView::soundSystemChanged()
 {
     // The server's devices arrive with the connection; the pickers list them at once.
-    if (services.soundSystem->state() == platform::SoundSystemStatus::State::Connected) {
+    if (services.soundSystem->state() == services::SoundSystemStatus::State::Connected) {
         refreshDevices();
     }
 }

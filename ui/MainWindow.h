@@ -60,7 +60,7 @@ private:
 
     ContentView* view = nullptr;
     QScrollArea* scroll = nullptr;
-    platform::UserDefaults* settings = nullptr;
+    services::UserDefaults* settings = nullptr;
     bool fitPending = false;
 };
 

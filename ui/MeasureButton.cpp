@@ -7,7 +7,7 @@
 namespace orvanta::ui {
 
 MeasureButton::MeasureButton(i18n::LanguageManager& languageManager, state::AppState& state,
-                             platform::DelayMeasurement* delayMeasurement, QWidget* parent)
+                             services::DelayMeasurement* delayMeasurement, QWidget* parent)
     : QPushButton(parent), lang(languageManager), appState(state), measurement(delayMeasurement)
 {
     setObjectName(QStringLiteral("measureButton"));

@@ -9,7 +9,7 @@
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class DelayMeasurement;
 }
 namespace orvanta::state {
@@ -24,7 +24,7 @@ class MeasureButton : public QPushButton
 
 public:
     // Without a measurement the button never shows.
-    MeasureButton(i18n::LanguageManager& lang, state::AppState& appState, platform::DelayMeasurement* measurement,
+    MeasureButton(i18n::LanguageManager& lang, state::AppState& appState, services::DelayMeasurement* measurement,
                   QWidget* parent = nullptr);
 
     void redraw();
@@ -33,7 +33,7 @@ public:
 private:
     i18n::LanguageManager& lang;
     state::AppState& appState;
-    platform::DelayMeasurement* measurement;
+    services::DelayMeasurement* measurement;
 };
 
 } // namespace orvanta::ui

@@ -34,7 +34,7 @@ QLabel* plainLabel(const QString& objectName, QWidget* parent, bool wrap = false
 } // namespace
 
 MeasureDialog::MeasureDialog(i18n::LanguageManager& languageManager, state::AppState& state,
-                             platform::DelayMeasurement& delayMeasurement, QWidget* parent)
+                             services::DelayMeasurement& delayMeasurement, QWidget* parent)
     : QDialog(parent), lang(languageManager), appState(state), measurement(delayMeasurement),
       speakerUIDs(delayMeasurement.speakerUIDs())
 {

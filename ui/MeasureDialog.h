@@ -24,7 +24,7 @@ class QPushButton;
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class DelayMeasurement;
 }
 
@@ -35,7 +35,7 @@ class MeasureDialog : public QDialog
     Q_OBJECT
 
 public:
-    MeasureDialog(i18n::LanguageManager& lang, state::AppState& appState, platform::DelayMeasurement& measurement,
+    MeasureDialog(i18n::LanguageManager& lang, state::AppState& appState, services::DelayMeasurement& measurement,
                   QWidget* parent = nullptr);
     ~MeasureDialog() override;
 
@@ -59,7 +59,7 @@ private:
 
     i18n::LanguageManager& lang;
     state::AppState& appState;
-    platform::DelayMeasurement& measurement;
+    services::DelayMeasurement& measurement;
     std::vector<std::string> speakerUIDs;
     std::optional<measure::MeasurementOutcome> lastOutcome;
     std::optional<state::MeasuredDelays> delays;

@@ -15,7 +15,7 @@
 namespace orvanta::ui {
 
 OutputPickers::OutputPickers(i18n::LanguageManager& languageManager, state::AppState& state,
-                             platform::SoundSystemStatus* soundSystemStatus, QWidget* parent)
+                             services::SoundSystemStatus* soundSystemStatus, QWidget* parent)
     : QGroupBox(parent), lang(languageManager), appState(state)
 {
     setObjectName(QStringLiteral("audioOutputs"));

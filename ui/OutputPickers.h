@@ -16,7 +16,7 @@ class QToolButton;
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class SoundSystemStatus;
 }
 
@@ -29,7 +29,7 @@ class OutputPickers : public QGroupBox
     Q_OBJECT
 
 public:
-    OutputPickers(i18n::LanguageManager& lang, state::AppState& appState, platform::SoundSystemStatus* soundSystem,
+    OutputPickers(i18n::LanguageManager& lang, state::AppState& appState, services::SoundSystemStatus* soundSystem,
                   QWidget* parent = nullptr);
 
     void redraw();

@@ -11,11 +11,11 @@
 namespace orvanta::ui {
 namespace {
 
-using Obstacle = platform::AccessibilityTrust::Obstacle;
+using Obstacle = services::AccessibilityTrust::Obstacle;
 
 } // namespace
 
-PermissionBanner::PermissionBanner(i18n::LanguageManager& languageManager, platform::AccessibilityTrust& keyTrust,
+PermissionBanner::PermissionBanner(i18n::LanguageManager& languageManager, services::AccessibilityTrust& keyTrust,
                                    QWidget* parent)
     : QWidget(parent), lang(languageManager), trust(keyTrust)
 {

@@ -13,7 +13,7 @@ class QPushButton;
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class AccessibilityTrust;
 }
 
@@ -24,14 +24,14 @@ class PermissionBanner : public QWidget
     Q_OBJECT
 
 public:
-    PermissionBanner(i18n::LanguageManager& lang, platform::AccessibilityTrust& trust, QWidget* parent = nullptr);
+    PermissionBanner(i18n::LanguageManager& lang, services::AccessibilityTrust& trust, QWidget* parent = nullptr);
 
     // The texts and the button for the trust's current obstacle, in the current language.
     void redraw();
 
 private:
     i18n::LanguageManager& lang;
-    platform::AccessibilityTrust& trust;
+    services::AccessibilityTrust& trust;
     QLabel* title = nullptr;
     QLabel* text = nullptr;
     QPushButton* settingsButton = nullptr;

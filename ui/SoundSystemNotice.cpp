@@ -11,7 +11,7 @@
 namespace orvanta::ui {
 namespace {
 
-using State = platform::SoundSystemStatus::State;
+using State = services::SoundSystemStatus::State;
 
 QString statusKey(State state)
 {
@@ -30,7 +30,7 @@ QString statusKey(State state)
 
 } // namespace
 
-SoundSystemNotice::SoundSystemNotice(i18n::LanguageManager& languageManager, platform::SoundSystemStatus* soundSystem,
+SoundSystemNotice::SoundSystemNotice(i18n::LanguageManager& languageManager, services::SoundSystemStatus* soundSystem,
                                      QWidget* parent)
     : QObject(parent), lang(languageManager), status(soundSystem)
 {
@@ -62,7 +62,7 @@ SoundSystemNotice::SoundSystemNotice(i18n::LanguageManager& languageManager, pla
     simulatedNotice = panel;
 
     if (status != nullptr) {
-        connect(status, &platform::SoundSystemStatus::stateChanged, this, &SoundSystemNotice::redraw);
+        connect(status, &services::SoundSystemStatus::stateChanged, this, &SoundSystemNotice::redraw);
     }
     redraw();
 }

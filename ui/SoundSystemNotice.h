@@ -12,7 +12,7 @@ class QWidget;
 namespace orvanta::i18n {
 class LanguageManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class SoundSystemStatus;
 }
 
@@ -25,7 +25,7 @@ class SoundSystemNotice : public QObject
 public:
     // status may be null: then nothing is shown. The line and the notice are made as children of
     // parent, for the caller's layout.
-    SoundSystemNotice(i18n::LanguageManager& lang, platform::SoundSystemStatus* status, QWidget* parent);
+    SoundSystemNotice(i18n::LanguageManager& lang, services::SoundSystemStatus* status, QWidget* parent);
 
     QWidget* line() const;
     QWidget* notice() const { return simulatedNotice; }
@@ -34,7 +34,7 @@ public:
 
 private:
     i18n::LanguageManager& lang;
-    platform::SoundSystemStatus* status;
+    services::SoundSystemStatus* status;
     QLabel* statusLine = nullptr;
     QWidget* simulatedNotice = nullptr;
     QLabel* simulatedText = nullptr;

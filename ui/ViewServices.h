@@ -13,7 +13,7 @@ class AudioWrapper;
 namespace orvanta::state {
 class MediaKeyManager;
 }
-namespace orvanta::platform {
+namespace orvanta::services {
 class AccessibilityTrust;
 class Alerts;
 class BundleInfo;
@@ -21,7 +21,7 @@ class SoundSystemStatus;
 class UserDefaults;
 class DelayMeasurement;
 class Workspace;
-} // namespace orvanta::platform
+} // namespace orvanta::services
 
 namespace orvanta::ui {
 
@@ -29,14 +29,14 @@ struct ViewServices
 {
     audio::AudioWrapper& audio;
     state::MediaKeyManager& mediaKeys;
-    platform::AccessibilityTrust& trust;
-    platform::Alerts& alerts;
-    platform::Workspace& workspace;
-    platform::BundleInfo* bundle = nullptr;             // no version label without it
-    platform::SoundSystemStatus* soundSystem = nullptr; // no sound-system line without it
-    platform::UserDefaults* userDefaults = nullptr;     // where the window keeps its place, if anywhere
+    services::AccessibilityTrust& trust;
+    services::Alerts& alerts;
+    services::Workspace& workspace;
+    services::BundleInfo* bundle = nullptr;             // no version label without it
+    services::SoundSystemStatus* soundSystem = nullptr; // no sound-system line without it
+    services::UserDefaults* userDefaults = nullptr;     // where the window keeps its place, if anywhere
     // Measuring the delay with a microphone, where the sound system allows it.
-    platform::DelayMeasurement* measurement = nullptr;
+    services::DelayMeasurement* measurement = nullptr;
 };
 
 } // namespace orvanta::ui

@@ -25,7 +25,7 @@ UpdateChecker::Translate& sharedTranslator()
 
 // The feed in a response: only a body that arrived without a transfer error counts. The HTTP
 // status plays no part.
-std::optional<Feed> readFeed(const platform::HttpResponse& response)
+std::optional<Feed> readFeed(const services::HttpResponse& response)
 {
     if (!response.error.isEmpty()) {
         return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<Feed> readFeed(const platform::HttpResponse& response)
 
 } // namespace
 
-UpdateChecker::UpdateChecker(Translate translate, const platform::PlatformServices& services, QUrl feedUrl)
+UpdateChecker::UpdateChecker(Translate translate, const services::PlatformServices& services, QUrl feedUrl)
     : translator(std::move(translate)), http(services.http), alerts(services.alerts), workspace(services.workspace),
       bundle(services.bundle), feed(std::move(feedUrl))
 {}
@@ -69,7 +69,7 @@ void UpdateChecker::checkForUpdates()
 {
     // The user asked: every outcome is shown, a failure too.
     fetchFeed([](QPointer<UpdateChecker> checker, const QString& installed, std::optional<Feed> latest) {
-        return platform::HttpClient::Continuation([checker, installed, latest] {
+        return services::HttpClient::Continuation([checker, installed, latest] {
             if (checker.isNull()) {
                 return;
             }
@@ -87,9 +87,9 @@ void UpdateChecker::checkForUpdatesAtLaunch()
     // At launch only a newer version is shown: failures and up-to-date feeds end without a sign.
     fetchFeed([](QPointer<UpdateChecker> checker, const QString& installed, std::optional<Feed> latest) {
         if (!latest || !isNewerVersion(latest->version, installed)) {
-            return platform::HttpClient::Continuation();
+            return services::HttpClient::Continuation();
         }
-        return platform::HttpClient::Continuation([checker, latest] {
+        return services::HttpClient::Continuation([checker, latest] {
             if (!checker.isNull()) {
                 checker->showUpdateAvailable(latest->version, latest->releaseNotes, latest->downloadUrl);
             }
@@ -103,7 +103,7 @@ void UpdateChecker::fetchFeed(FeedHandler handler)
         return;
     }
     http->getInBackground(feed, [handler = std::move(handler), checker = QPointer<UpdateChecker>(this),
-                                 installed = installedVersion()](const platform::HttpResponse& response) {
+                                 installed = installedVersion()](const services::HttpResponse& response) {
         // A worker thread: the feed is read here, its outcome shown on the main thread.
         return handler(checker, installed, readFeed(response));
     });
@@ -154,7 +154,7 @@ int UpdateChecker::runAlert(const QString& messageText, const QString& informati
     if (alerts == nullptr) {
         return -1;
     }
-    return alerts->runModal(platform::Alert{messageText, informativeText, buttons});
+    return alerts->runModal(services::Alert{messageText, informativeText, buttons});
 }
 
 void UpdateChecker::openDownloadAddress(const QString& address)

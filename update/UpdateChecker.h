@@ -35,7 +35,7 @@ public:
     // Without translate, texts stay English. The services are taken from services as they are
     // now; the feed is the one on the configured web site unless feedUrl says otherwise.
     explicit UpdateChecker(Translate translate = {},
-                           const platform::PlatformServices& services = platform::PlatformServices::current(),
+                           const services::PlatformServices& services = services::PlatformServices::current(),
                            QUrl feedUrl = defaultFeedUrl());
 
     // The process's instance, created on first use over the services main() chose. It translates
@@ -66,7 +66,7 @@ public:
 private:
     // Runs on the worker thread with the feed read from the response (none on any failure), and
     // returns what to do on the main thread.
-    using FeedHandler = std::function<platform::HttpClient::Continuation(
+    using FeedHandler = std::function<services::HttpClient::Continuation(
         QPointer<UpdateChecker> checker, const QString& installed, std::optional<Feed> latest)>;
     void fetchFeed(FeedHandler handler);
 
@@ -75,10 +75,10 @@ private:
     void openDownloadAddress(const QString& address);
 
     Translate translator;
-    platform::HttpClient* http = nullptr;
-    platform::Alerts* alerts = nullptr;
-    platform::Workspace* workspace = nullptr;
-    platform::BundleInfo* bundle = nullptr;
+    services::HttpClient* http = nullptr;
+    services::Alerts* alerts = nullptr;
+    services::Workspace* workspace = nullptr;
+    services::BundleInfo* bundle = nullptr;
     QUrl feed;
 };
 

@@ -5,7 +5,7 @@
 // neither holds, obstacle() says why, and canPromptForTrust() whether promptForTrust() has
 // anywhere useful to send the user.
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class AccessibilityTrust
 {
@@ -35,4 +35,4 @@ protected:
     AccessibilityTrust& operator=(const AccessibilityTrust&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 struct Alert
 {
@@ -31,4 +31,4 @@ protected:
     Alerts& operator=(const Alerts&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -4,7 +4,7 @@
 #include <QMetaObject>
 #include <QThreadPool>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 void runInBackground(std::function<std::function<void()>()> work)
 {
@@ -23,4 +23,4 @@ void runInBackground(std::function<std::function<void()>()> work)
     });
 }
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -6,10 +6,10 @@
 
 #include <functional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 // Runs work on a worker thread. The function work returns, when not empty, is then queued on the
 // main thread's event loop. Needs the application object, and does nothing without one.
 void runInBackground(std::function<std::function<void()>()> work);
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class BundleInfo
 {
@@ -22,4 +22,4 @@ protected:
     BundleInfo& operator=(const BundleInfo&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 struct Microphone
 {
@@ -42,4 +42,4 @@ public:
     virtual bool running() const = 0;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

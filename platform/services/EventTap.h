@@ -10,7 +10,7 @@
 #include <memory>
 #include <optional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 // A system-defined event as the tap sees it. data1 carries a media key: key code in bits 16 to
 // 31, key state in bits 8 to 15 (0x0A down, 0x0B up), flags in bits 0 to 7 (bit 0: repeat).
@@ -58,4 +58,4 @@ protected:
     EventTap& operator=(const EventTap&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -1,6 +1,6 @@
 #include "HttpClient.h"
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 void HttpClient::get(const QUrl& url, Completion completion)
 {
@@ -9,4 +9,4 @@ void HttpClient::get(const QUrl& url, Completion completion)
     });
 }
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -11,7 +11,7 @@
 
 #include <functional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 struct HttpResponse
 {
@@ -45,4 +45,4 @@ protected:
     HttpClient& operator=(const HttpClient&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

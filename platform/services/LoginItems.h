@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class LoginItems
 {
@@ -32,4 +32,4 @@ protected:
     LoginItems& operator=(const LoginItems&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

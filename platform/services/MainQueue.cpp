@@ -3,11 +3,11 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 void postToMainQueue(std::function<void()> work)
 {
     QTimer::singleShot(0, QCoreApplication::instance(), std::move(work));
 }
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -4,8 +4,8 @@
 
 #include <functional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 void postToMainQueue(std::function<void()> work);
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

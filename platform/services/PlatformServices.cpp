@@ -1,6 +1,6 @@
 #include "PlatformServices.h"
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 PlatformServices& PlatformServices::current()
 {
@@ -8,4 +8,4 @@ PlatformServices& PlatformServices::current()
     return services;
 }
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

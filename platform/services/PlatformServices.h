@@ -3,7 +3,7 @@
 // The services the program uses besides the sound system, chosen once in main() (the real
 // ones, or simulated ones in tests) and read by the shared objects when they are created.
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class UserDefaults;
 class LoginItems;
@@ -29,4 +29,4 @@ struct PlatformServices
     static PlatformServices& current();
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -6,7 +6,7 @@
 
 #include <QObject>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class SoundSystemStatus : public QObject
 {
@@ -35,4 +35,4 @@ protected:
     explicit SoundSystemStatus(QObject* parent = nullptr) : QObject(parent) {}
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -10,7 +10,7 @@
 
 #include <functional>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class UserDefaults
 {
@@ -40,4 +40,4 @@ private:
     SaveObserver saveObserver;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

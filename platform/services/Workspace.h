@@ -4,7 +4,7 @@
 
 #include <QUrl>
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 class Workspace
 {
@@ -20,4 +20,4 @@ protected:
     Workspace& operator=(const Workspace&) = default;
 };
 
-} // namespace orvanta::platform
+} // namespace orvanta::services

@@ -2,9 +2,9 @@
 // languages offered, and the choice: announced, then stored, and the language of the next start.
 
 #include "i18n/LanguageManager.h"
+#include "desktop/JsonFileUserDefaults.h"
 #include "i18n/LanguageList.h"
-#include "linux/JsonFileUserDefaults.h"
-#include "sim/services/MemoryUserDefaults.h"
+#include "sim/MemoryUserDefaults.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -104,7 +104,7 @@ TEST(LanguageManager, TheChoiceSurvivesARestart)
     ASSERT_TRUE(configHome.isValid());
     const QString settingsPath = configHome.filePath(QStringLiteral("orvanta/settings.json"));
     {
-        linux_platform::JsonFileUserDefaults defaults(settingsPath);
+        desktop::JsonFileUserDefaults defaults(settingsPath);
         LanguageManager manager(defaults);
         EXPECT_FALSE(QFile::exists(settingsPath)) << "nothing is written before the user chooses";
         manager.setCurrentLanguage(kHebrew);
@@ -113,7 +113,7 @@ TEST(LanguageManager, TheChoiceSurvivesARestart)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(QJsonDocument::fromJson(file.readAll()).object().value(kLanguageKey).toString(), kHebrew);
 
-    linux_platform::JsonFileUserDefaults reopened(settingsPath);
+    desktop::JsonFileUserDefaults reopened(settingsPath);
     const LanguageManager restarted(reopened);
     EXPECT_EQ(restarted.currentLanguage(), kHebrew);
     EXPECT_EQ(restarted.layoutDirection(), Qt::RightToLeft);

@@ -4,7 +4,7 @@
 #include "i18n/StringTable.h"
 #include "i18n/LanguageList.h"
 #include "i18n/LanguageManager.h"
-#include "sim/services/MemoryUserDefaults.h"
+#include "sim/MemoryUserDefaults.h"
 
 #include <QFile>
 #include <QRegularExpression>

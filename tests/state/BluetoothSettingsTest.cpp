@@ -1,6 +1,6 @@
 #include "support/StateFixture.h"
 
-#include "JsonFileUserDefaults.h"
+#include "desktop/JsonFileUserDefaults.h"
 #include "state/PersistedMaps.h"
 
 #include <gmock/gmock.h>
@@ -96,7 +96,7 @@ TEST_F(BluetoothSettings, StoredMapsLoadWholeOrNotAtAllAndAnUnusableOneIsLeftUnt
         file.write(written);
     }
     {
-        linux_platform::JsonFileUserDefaults file(path);
+        desktop::JsonFileUserDefaults file(path);
         auto& app = start(&file);
         EXPECT_TRUE(app.bluetoothDelays().empty());
         EXPECT_EQ(app.manualBluetoothOverrides(), (state::OverrideMap{{"spk", false}}));
@@ -105,7 +105,7 @@ TEST_F(BluetoothSettings, StoredMapsLoadWholeOrNotAtAllAndAnUnusableOneIsLeftUnt
         app.setManualBluetoothOverride(true, kWired);
         appState.reset();
     }
-    linux_platform::JsonFileUserDefaults reopened(path);
+    desktop::JsonFileUserDefaults reopened(path);
     auto& app = start(&reopened);
     EXPECT_EQ(app.bluetoothDelays(), (state::DelayMap{{"bt", 175}}));
     EXPECT_EQ(app.manualBluetoothOverrides(), (state::OverrideMap{{"spk", false}, {"wired", true}}));

@@ -1,7 +1,7 @@
 #include "support/EventLoop.h"
 #include "support/StateFixture.h"
 
-#include "XdgAutostartLoginItems.h"
+#include "desktop/XdgAutostartLoginItems.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@
 namespace orvanta::testing {
 namespace {
 
-using Status = platform::LoginItems::Status;
+using Status = services::LoginItems::Status;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -78,7 +78,7 @@ protected:
     QTemporaryDir dir;
     QString folder = dir.filePath("autostart");
     QString entry = folder + "/orvanta.desktop";
-    linux_platform::XdgAutostartLoginItems items{entry, "/opt/Orvanta Apps/bin/orvanta"};
+    desktop::XdgAutostartLoginItems items{entry, "/opt/Orvanta Apps/bin/orvanta"};
 
     Status statusOf(const QByteArray& text)
     {
@@ -116,7 +116,7 @@ TEST(DesktopEntryExec, QuotesAndEscapesThePathAndDoublesPercentSigns)
              {"/opt/%u", R"("/opt/%%u")"}, // a '%' would start a field code, inside the quotes too
              // Quoting first (backslash before '"', '$', '`', '\'), then each backslash doubled, a newline as \n.
              {"/opt/a b/100% \"$x`\\y\nz", R"("/opt/a b/100%% \\"\\$x\\`\\\\y\nz")"}}) {
-        EXPECT_EQ(linux_platform::desktopEntryExec(path), exec) << path.toStdString();
+        EXPECT_EQ(desktop::desktopEntryExec(path), exec) << path.toStdString();
     }
 }
 
@@ -145,7 +145,7 @@ TEST_F(XdgAutostart, AnEntryLeftHalfWrittenByAKilledWriterIsClearedAtStart)
     QFile stale(entry + ".tmp-Qw3Er5");
     ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
     stale.close();
-    linux_platform::XdgAutostartLoginItems next(entry, "/usr/bin/orvanta");
+    desktop::XdgAutostartLoginItems next(entry, "/usr/bin/orvanta");
     EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{});
 }
 

@@ -7,7 +7,7 @@
 namespace orvanta::testing {
 namespace {
 
-using platform::TapEvent;
+using services::TapEvent;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -16,7 +16,7 @@ constexpr qint64 kUp = 0x0B;
 
 TapEvent mediaKey(qint64 keyCode, qint64 state, qint64 flags = 0)
 {
-    return {platform::kSystemDefinedEventType, (keyCode << 16) | (state << 8) | flags, true};
+    return {services::kSystemDefinedEventType, (keyCode << 16) | (state << 8) | flags, true};
 }
 
 class MediaKeys : public ::testing::Test, protected StateFixture
@@ -38,7 +38,7 @@ TEST_F(MediaKeys, OnlyVolumeKeyDownsAreDroppedAndAnnouncedAsStepsAfterTheTapRetu
                                        mediaKey(1, kUp),
                                        mediaKey(7, kDown),                   // mute
                                        {13, (0 << 16) | (kDown << 8), true}, // not system-defined
-                                       {platform::kSystemDefinedEventType, 0x0A00, false}};
+                                       {services::kSystemDefinedEventType, 0x0A00, false}};
     EXPECT_FALSE(taps.inject(mediaKey(0, kDown)));
     EXPECT_FALSE(taps.inject(mediaKey(1, kDown, 1))); // a repeat counts as a press
     for (const auto& event : others) {

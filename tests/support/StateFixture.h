@@ -4,11 +4,11 @@
 
 #include "support/SimAudio.h"
 
-#include "services/MemoryLoginItems.h"
-#include "services/MemoryUserDefaults.h"
-#include "services/SimAccessibilityTrust.h"
-#include "services/SimEventTap.h"
 #include "services/UserDefaults.h"
+#include "sim/MemoryLoginItems.h"
+#include "sim/MemoryUserDefaults.h"
+#include "sim/SimAccessibilityTrust.h"
+#include "sim/SimEventTap.h"
 #include "state/AppState.h"
 #include "state/MediaKeyManager.h"
 
@@ -33,7 +33,7 @@ struct StateFixture
     explicit StateFixture(std::vector<sim::DeviceSpec> devices = speakersAndBluetooth()) : sim(std::move(devices)) {}
 
     // Creates the AppState, over `defaults` when given, else over the in-memory settings.
-    state::AppState& start(platform::UserDefaults* defaults = nullptr)
+    state::AppState& start(services::UserDefaults* defaults = nullptr)
     {
         appState = std::make_unique<state::AppState>(state::AppStateServices{
             sim.audio, defaults ? *defaults : memoryDefaults, loginItems, trust, mediaKeys, sim.printed.log()});

@@ -112,7 +112,7 @@ TEST_F(MainWindowContent, RefreshAndEachAppearanceReadTheDevicesAgainAndKeepTheS
 
 TEST_F(MainWindowContent, TheBannerShowsUntilTrustedSaysWhyOffersTheButtonOnlyWhereItLeadsAndTrustStartsTheKeys)
 {
-    using Obstacle = platform::AccessibilityTrust::Obstacle;
+    using Obstacle = services::AccessibilityTrust::Obstacle;
     auto* text = child<QLabel>(&view(), "bannerText");
     auto* button = child<QAbstractButton>(&view(), "openSystemSettingsButton");
     click(button);
@@ -146,7 +146,7 @@ TEST_F(MainWindowContent, TheBannerShowsUntilTrustedSaysWhyOffersTheButtonOnlyWh
 
 TEST_F(MainWindowContent, TheSoundSystemLineFollowsTheConnectionAndTheVersionIsTheBuildsOrNothing)
 {
-    using State = platform::SoundSystemStatus::State;
+    using State = services::SoundSystemStatus::State;
     EXPECT_FALSE(shown(child<QLabel>(&view(), "soundSystemLabel"))); // without a status: nothing
     EXPECT_EQ(child<QLabel>(&view(), "versionLabel")->text(), "v1.0.0");
     sim::SimulatedSoundSystemStatus status(State::Connecting);

@@ -19,11 +19,11 @@ using measure::MeasurementOutcome;
 using measure::MeasurementStatus;
 
 // Answers at once with a given outcome, as the platform would after a run.
-class CannedMeasurement final : public platform::DelayMeasurement
+class CannedMeasurement final : public services::DelayMeasurement
 {
 public:
     bool canMeasure() const override { return true; }
-    std::vector<platform::Microphone> microphones() const override { return listed; }
+    std::vector<services::Microphone> microphones() const override { return listed; }
     std::vector<std::string> speakerUIDs() const override { return {"spk", "bt"}; }
     void start(const std::string& microphone, Progress progress, Done done) override
     {
@@ -43,7 +43,7 @@ public:
         done(outcome);
     }
 
-    std::vector<platform::Microphone> listed{{"usb.mic", "USB Microphone"}, {"laptop.mic", "Built-in Microphone"}};
+    std::vector<services::Microphone> listed{{"usb.mic", "USB Microphone"}, {"laptop.mic", "Built-in Microphone"}};
     std::string startedWith;
     Progress pendingProgress;
     Done pendingDone;

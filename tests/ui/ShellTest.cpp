@@ -1,7 +1,7 @@
 #include "UiFixture.h"
 
 #include "services/PlatformServices.h"
-#include "services/SimulatedHttpClient.h"
+#include "sim/SimulatedHttpClient.h"
 #include "ui/OrvantaApp.h"
 #include "ui/TrayIcon.h"
 #include "update/UpdateChecker.h"
@@ -53,7 +53,7 @@ protected:
 
     const QString feed = QStringLiteral("https://updates.test/downloads/orvanta-latest.json");
     sim::SimulatedHttpClient http;
-    platform::PlatformServices platformServices;
+    services::PlatformServices platformServices;
     std::unique_ptr<update::UpdateChecker> updates;
     std::unique_ptr<ui::OrvantaApp> app;
     int quits = 0;

@@ -12,17 +12,17 @@
 
 namespace orvanta::testing {
 
-class CountingHttpClient final : public platform::HttpClient
+class CountingHttpClient final : public services::HttpClient
 {
 public:
-    explicit CountingHttpClient(platform::HttpClient& forwardTo) : inner(forwardTo) {}
+    explicit CountingHttpClient(services::HttpClient& forwardTo) : inner(forwardTo) {}
 
     void getInBackground(const QUrl& url, ResponseHandler handler) override
     {
         requests.append(url);
         inner.getInBackground(
             url,
-            [handler = std::move(handler), counter = finished](const platform::HttpResponse& response) -> Continuation {
+            [handler = std::move(handler), counter = finished](const services::HttpResponse& response) -> Continuation {
                 Continuation next = handler(response);
                 return [next, counter] {
                     if (next) {
@@ -38,7 +38,7 @@ public:
     QList<QUrl> requests;
 
 private:
-    platform::HttpClient& inner;
+    services::HttpClient& inner;
     std::shared_ptr<int> finished = std::make_shared<int>(0);
 };
 

@@ -2,11 +2,11 @@
 
 #include "update/UpdateChecker.h"
 
-#include "linux/DesktopWorkspace.h"
-#include "linux/MessageBoxAlerts.h"
-#include "linux/NetworkHttpClient.h"
-#include "sim/services/SimulatedBundleInfo.h"
-#include "sim/services/SimulatedWorkspace.h"
+#include "desktop/DesktopWorkspace.h"
+#include "desktop/MessageBoxAlerts.h"
+#include "desktop/NetworkHttpClient.h"
+#include "sim/SimulatedBundleInfo.h"
+#include "sim/SimulatedWorkspace.h"
 
 #include "CountingHttpClient.h"
 #include "LoopbackServer.h"
@@ -27,7 +27,7 @@
 
 using namespace std::chrono_literals;
 
-namespace orvanta::linux_platform {
+namespace orvanta::desktop {
 namespace {
 
 // Calls act once on every message box that opens while it is alive. A box still open after the
@@ -132,7 +132,7 @@ TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
     MessageBoxAlerts alerts;
     sim::SimulatedWorkspace workspace;
     sim::SimulatedBundleInfo bundle{QStringLiteral("1.4.1")};
-    platform::PlatformServices services;
+    services::PlatformServices services;
     services.http = &http;
     services.alerts = &alerts;
     services.workspace = &workspace;
@@ -180,6 +180,6 @@ TEST(UpdateDesktopWorkspace, HandsTheAddressToTheDesktop)
 }
 
 } // namespace
-} // namespace orvanta::linux_platform
+} // namespace orvanta::desktop
 
 #include "MessageBoxAlertsTest.moc"

@@ -1,6 +1,6 @@
 // The QtNetwork client against a web server on 127.0.0.1 that misbehaves on purpose.
 
-#include "linux/NetworkHttpClient.h"
+#include "desktop/NetworkHttpClient.h"
 
 #include "LoopbackServer.h"
 #include "support/EventLoop.h"
@@ -15,10 +15,10 @@
 
 using namespace std::chrono_literals;
 
-namespace orvanta::linux_platform {
+namespace orvanta::desktop {
 namespace {
 
-using platform::HttpResponse;
+using services::HttpResponse;
 using testing::LoopbackServer;
 using testing::Route;
 using testing::runUntil;
@@ -76,7 +76,7 @@ TEST_F(UpdateNetworkHttpClient, HandlesTheResponseOffTheMainThreadAndContinuesOn
     client.getInBackground(server.url("/feed.json"), [&](const HttpResponse& response) {
         handlerThread = QThread::currentThread();
         EXPECT_EQ(response.body, "{}");
-        return platform::HttpClient::Continuation([&] { continuationThread = QThread::currentThread(); });
+        return services::HttpClient::Continuation([&] { continuationThread = QThread::currentThread(); });
     });
     ASSERT_TRUE(runUntil([&] { return continuationThread != nullptr; }, 15s));
     EXPECT_NE(handlerThread, nullptr);
@@ -175,4 +175,4 @@ TEST_F(UpdateNetworkHttpClient, ManyRequestsAtOnceEachGetTheirOwnResponse)
 }
 
 } // namespace
-} // namespace orvanta::linux_platform
+} // namespace orvanta::desktop

@@ -4,11 +4,11 @@
 #include "update/UpdateChecker.h"
 #include "update/SiteAddresses.h"
 
-#include "linux/NetworkHttpClient.h"
-#include "sim/services/SimulatedAlerts.h"
-#include "sim/services/SimulatedBundleInfo.h"
-#include "sim/services/SimulatedHttpClient.h"
-#include "sim/services/SimulatedWorkspace.h"
+#include "desktop/NetworkHttpClient.h"
+#include "sim/SimulatedAlerts.h"
+#include "sim/SimulatedBundleInfo.h"
+#include "sim/SimulatedHttpClient.h"
+#include "sim/SimulatedWorkspace.h"
 
 #include "CountingHttpClient.h"
 #include "LoopbackServer.h"
@@ -22,7 +22,7 @@
 
 using namespace std::chrono_literals;
 
-namespace orvanta::platform {
+namespace orvanta::services {
 
 void PrintTo(const Alert& alert, std::ostream* out)
 {
@@ -30,12 +30,12 @@ void PrintTo(const Alert& alert, std::ostream* out)
          << ::testing::PrintToString(alert.informativeText) << ", " << ::testing::PrintToString(alert.buttons) << '}';
 }
 
-} // namespace orvanta::platform
+} // namespace orvanta::services
 
 namespace orvanta::update {
 namespace {
 
-using platform::Alert;
+using services::Alert;
 using testing::CountingHttpClient;
 using testing::LoopbackServer;
 using testing::Route;
@@ -85,7 +85,7 @@ protected:
 
     std::unique_ptr<UpdateChecker> makeChecker(UpdateChecker::Translate translate = {})
     {
-        platform::PlatformServices services;
+        services::PlatformServices services;
         services.http = &http;
         services.alerts = &alerts;
         services.workspace = &workspace;
@@ -100,7 +100,7 @@ protected:
     }
 
     LoopbackServer server;
-    linux_platform::NetworkHttpClient network{linux_platform::HttpLimits{10s}};
+    desktop::NetworkHttpClient network{desktop::HttpLimits{10s}};
     CountingHttpClient http{network};
     sim::SimulatedAlerts alerts;
     sim::SimulatedWorkspace workspace;
@@ -260,8 +260,8 @@ TEST(UpdateSharedChecker, ReadsTheConfiguredSiteAndTranslatesThroughTheRegistere
     static CountingHttpClient http(canned);
     static sim::SimulatedAlerts alerts;
     static sim::SimulatedBundleInfo bundle;
-    auto& current = platform::PlatformServices::current();
-    const platform::PlatformServices saved = current;
+    auto& current = services::PlatformServices::current();
+    const services::PlatformServices saved = current;
     current.http = &http;
     current.alerts = &alerts;
     current.bundle = &bundle;
@@ -269,7 +269,7 @@ TEST(UpdateSharedChecker, ReadsTheConfiguredSiteAndTranslatesThroughTheRegistere
     current = saved;
     EXPECT_EQ(&shared, &UpdateChecker::shared());
     EXPECT_EQ(shared.feedUrl().toString(), QString(websiteAddress()) + "/downloads/orvanta-latest.json");
-    canned.responses.insert(shared.feedUrl().toString(), platform::HttpResponse{"not json", 200, {}});
+    canned.responses.insert(shared.feedUrl().toString(), services::HttpResponse{"not json", 200, {}});
 
     // Registered after the shared checker exists: it still applies.
     UpdateChecker::setSharedTranslator(spanish);

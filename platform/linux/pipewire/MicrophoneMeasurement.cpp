@@ -1,9 +1,9 @@
 #include "MicrophoneMeasurement.h"
 
-#include "MeasurementAnalysis.h"
-#include "MeasurementPlan.h"
 #include "MicrophoneRecorder.h"
-#include "PulseObjects.h"
+#include "measure/MeasurementAnalysis.h"
+#include "measure/MeasurementPlan.h"
+#include "pulse/PulseObjects.h"
 #include "services/BackgroundWork.h"
 #include "services/MainQueue.h"
 
@@ -87,15 +87,15 @@ std::vector<std::string> MicrophoneMeasurement::speakerUIDs() const
     return node ? node->memberUIDs() : std::vector<std::string>{};
 }
 
-std::vector<platform::Microphone> MicrophoneMeasurement::microphones() const
+std::vector<services::Microphone> MicrophoneMeasurement::microphones() const
 {
     return hardware.connection().withMirror([](const pulse::PulseMirror& mirror) {
-        std::vector<platform::Microphone> found;
+        std::vector<services::Microphone> found;
         for (const auto& [index, source] : mirror.sources) {
             if (source.isMonitor) {
                 continue;
             }
-            const platform::Microphone microphone{source.name, source.description};
+            const services::Microphone microphone{source.name, source.description};
             if (source.name == mirror.defaultSourceName) {
                 found.insert(found.begin(), microphone);
             } else {
@@ -116,7 +116,7 @@ void MicrophoneMeasurement::start(const std::string& microphone, Progress progre
     // A monitor is not offered as a microphone but may be named; anything else must be there.
     const bool monitor = microphone.ends_with(".monitor");
     if (!canMeasure() || (!known && !monitor)) {
-        platform::postToMainQueue([done = std::move(done)] { done(outcomeOf(MeasurementStatus::Failed)); });
+        services::postToMainQueue([done = std::move(done)] { done(outcomeOf(MeasurementStatus::Failed)); });
         return;
     }
     auto run = std::make_shared<Run>();
@@ -129,7 +129,7 @@ void MicrophoneMeasurement::start(const std::string& microphone, Progress progre
     current = run;
     giveUpAfterBound(run);
 
-    platform::runInBackground([run]() -> std::function<void()> {
+    services::runInBackground([run]() -> std::function<void()> {
         const auto finishWith = [run](MeasurementOutcome outcome) {
             return [run, outcome = std::move(outcome)] {
                 if (run->owner) {
@@ -145,7 +145,7 @@ void MicrophoneMeasurement::start(const std::string& microphone, Progress progre
         // A recorder that joins may make the sound system re-time itself for a moment: let it.
         const std::atomic<bool> never{false};
         recorder->discardUntil(never, run->stop, kSettleFrames);
-        platform::postToMainQueue([run] {
+        services::postToMainQueue([run] {
             if (run->owner) {
                 run->owner->play(*run);
             }
@@ -164,7 +164,7 @@ void MicrophoneMeasurement::start(const std::string& microphone, Progress progre
                 }
                 told = frames;
                 const double fraction = static_cast<double>(frames) / measure::kRecordingFrames;
-                platform::postToMainQueue([run, fraction] {
+                services::postToMainQueue([run, fraction] {
                     if (run->owner && run->progress) {
                         run->progress(fraction);
                     }

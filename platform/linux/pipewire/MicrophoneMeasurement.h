@@ -14,7 +14,7 @@
 
 namespace orvanta::pipewire {
 
-class MicrophoneMeasurement final : public platform::DelayMeasurement
+class MicrophoneMeasurement final : public services::DelayMeasurement
 {
 public:
     explicit MicrophoneMeasurement(PipeWireAudioHardware& hardware);
@@ -23,7 +23,7 @@ public:
     MicrophoneMeasurement& operator=(const MicrophoneMeasurement&) = delete;
 
     bool canMeasure() const override;
-    std::vector<platform::Microphone> microphones() const override;
+    std::vector<services::Microphone> microphones() const override;
     std::vector<std::string> speakerUIDs() const override;
     void start(const std::string& microphone, Progress progress, Done done) override;
     void cancel() override;

@@ -1,6 +1,6 @@
 #include "MicrophoneRecorder.h"
 
-#include "TestSignal.h"
+#include "measure/TestSignal.h"
 
 #include <pulse/error.h>
 

@@ -1,10 +1,10 @@
 #include "PipeWireAudioHardware.h"
 
-#include "AggregateDescription.h"
-#include "LoopbackPlan.h"
-#include "PulseObjects.h"
 #include "hal/PropertyTable.h"
 #include "hal/PropertyValue.h"
+#include "pulse/AggregateDescription.h"
+#include "pulse/LoopbackPlan.h"
+#include "pulse/PulseObjects.h"
 
 #include <algorithm>
 #include <cmath>

@@ -11,9 +11,9 @@
 // changing a delay then is what holds when the server returns.
 
 #include "PipeWireLoop.h"
-#include "PulseAudioHardware.h"
 #include "StackedNode.h"
 #include "hal/AudioHardware.h"
+#include "pulse/PulseAudioHardware.h"
 
 #include <map>
 #include <memory>

@@ -20,7 +20,7 @@
 
 namespace orvanta::x11 {
 
-class X11AccessibilityTrust final : public platform::AccessibilityTrust
+class X11AccessibilityTrust final : public services::AccessibilityTrust
 {
 public:
     enum class Sound

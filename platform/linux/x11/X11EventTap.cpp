@@ -14,10 +14,10 @@ constexpr qint64 kKeyDownState = 0x0A;
 constexpr qint64 kKeyUpState = 0x0B;
 constexpr qint64 kRepeatFlag = 0x1;
 
-class X11TapPort final : public platform::EventTapPort, public QAbstractNativeEventFilter
+class X11TapPort final : public services::EventTapPort, public QAbstractNativeEventFilter
 {
 public:
-    X11TapPort(X11VolumeKeys& keys, quint64 mask, platform::TapCallback tapCallback)
+    X11TapPort(X11VolumeKeys& keys, quint64 mask, services::TapCallback tapCallback)
         : volumeKeys(keys), eventMask(mask), callback(std::move(tapCallback))
     {}
 
@@ -99,7 +99,7 @@ private:
 
     X11VolumeKeys& volumeKeys;
     quint64 eventMask;
-    platform::TapCallback callback;
+    services::TapCallback callback;
     bool onMainLoop = false;
     bool enabled = false;
     std::set<xcb_keycode_t> down;
@@ -107,7 +107,7 @@ private:
 
 } // namespace
 
-std::optional<platform::TapEvent> tapEventFor(const X11VolumeKeys& keys, xcb_keycode_t keycode, bool press,
+std::optional<services::TapEvent> tapEventFor(const X11VolumeKeys& keys, xcb_keycode_t keycode, bool press,
                                               bool pressedBefore)
 {
     const auto code = keys.mediaKeyCode(keycode);
@@ -116,10 +116,10 @@ std::optional<platform::TapEvent> tapEventFor(const X11VolumeKeys& keys, xcb_key
     }
     const qint64 state = press ? kKeyDownState : kKeyUpState;
     const qint64 repeat = press && pressedBefore ? kRepeatFlag : 0;
-    return platform::TapEvent{platform::kSystemDefinedEventType, (qint64{*code} << 16) | (state << 8) | repeat, true};
+    return services::TapEvent{services::kSystemDefinedEventType, (qint64{*code} << 16) | (state << 8) | repeat, true};
 }
 
-std::unique_ptr<platform::EventTapPort> X11EventTap::create(quint64 eventMask, platform::TapCallback callback)
+std::unique_ptr<services::EventTapPort> X11EventTap::create(quint64 eventMask, services::TapCallback callback)
 {
     if (!volumeKeys.canGrab()) {
         return nullptr;

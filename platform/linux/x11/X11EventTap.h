@@ -11,13 +11,13 @@
 
 namespace orvanta::x11 {
 
-class X11EventTap final : public platform::EventTap
+class X11EventTap final : public services::EventTap
 {
 public:
     explicit X11EventTap(X11VolumeKeys& keys) : volumeKeys(keys) {}
 
     // Null when the keys cannot be taken on this display.
-    std::unique_ptr<platform::EventTapPort> create(quint64 eventMask, platform::TapCallback callback) override;
+    std::unique_ptr<services::EventTapPort> create(quint64 eventMask, services::TapCallback callback) override;
 
 private:
     X11VolumeKeys& volumeKeys;
@@ -25,7 +25,7 @@ private:
 
 // The event word for a key event, or nothing when the key is not a volume key. pressedBefore
 // says whether the key was already down (an auto-repeat).
-std::optional<platform::TapEvent> tapEventFor(const X11VolumeKeys& keys, xcb_keycode_t keycode, bool press,
+std::optional<services::TapEvent> tapEventFor(const X11VolumeKeys& keys, xcb_keycode_t keycode, bool press,
                                               bool pressedBefore);
 
 } // namespace orvanta::x11

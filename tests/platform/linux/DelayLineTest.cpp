@@ -1,8 +1,8 @@
 // The stacked device's delay line and its taps, without a server: exact hold-backs, changes
 // that crossfade instead of jumping, and nothing but finite samples within full scale.
 
-#include "DelayLine.h"
-#include "LatencyReport.h"
+#include "pipewire/DelayLine.h"
+#include "pipewire/LatencyReport.h"
 
 #include <gtest/gtest.h>
 

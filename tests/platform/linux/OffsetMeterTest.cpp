@@ -4,9 +4,9 @@
 
 #include "support/OffsetMeter.h"
 
-#include "PulseAudioHardware.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
+#include "pulse/PulseAudioHardware.h"
 
 #include <gtest/gtest.h>
 

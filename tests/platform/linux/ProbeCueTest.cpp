@@ -2,8 +2,8 @@
 // cycle that sees them, by member UID, in place of what the member would play, and not at all
 // once they are over or stopped. No server: the cycles are driven by hand.
 
-#include "ProbeCue.h"
-#include "DelayLine.h"
+#include "pipewire/ProbeCue.h"
+#include "pipewire/DelayLine.h"
 
 #include <gtest/gtest.h>
 

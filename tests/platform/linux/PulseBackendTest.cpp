@@ -5,12 +5,12 @@
 #include "support/EventLoop.h"
 #include "support/SoundServer.h"
 
-#include "AudioBackend.h"
-#include "PipeWireAudioHardware.h"
-#include "PulseAudioHardware.h"
-#include "PulseObjects.h"
+#include "app/AudioBackend.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
+#include "pipewire/PipeWireAudioHardware.h"
+#include "pulse/PulseAudioHardware.h"
+#include "pulse/PulseObjects.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // The sound-server backend's parts that need no server: the mirror fed info and removal events
 // in either order, module arguments that survive the server's quoting, and the delay plan.
 
-#include "LoopbackPlan.h"
-#include "ModuleArguments.h"
-#include "PulseMirror.h"
+#include "pulse/LoopbackPlan.h"
+#include "pulse/ModuleArguments.h"
+#include "pulse/PulseMirror.h"
 
 #include <gtest/gtest.h>
 

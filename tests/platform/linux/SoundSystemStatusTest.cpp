@@ -4,7 +4,7 @@
 #include "support/EventLoop.h"
 #include "support/SoundServer.h"
 
-#include "PulseSoundSystemStatus.h"
+#include "desktop/PulseSoundSystemStatus.h"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +13,9 @@
 namespace orvanta::testing {
 namespace {
 
-using Status = platform::SoundSystemStatus::State;
+using Status = services::SoundSystemStatus::State;
 using Connection = pulse::PulseConnection::State;
-using linux_platform::PulseSoundSystemStatus;
+using desktop::PulseSoundSystemStatus;
 
 TEST(SoundSystemStatusRule, RetriesAtASilentServerStayNotAnswering)
 {
@@ -31,7 +31,7 @@ TEST(SoundSystemStatus, FollowsAServerThatStartsLateAndGoesAway)
     SoundServer server(SoundServer::Kind::PulseAudio); // points this process at it, not started yet
     pulse::PulseConnection connection;
     PulseSoundSystemStatus status(connection, QStringLiteral("PulseAudio"));
-    QSignalSpy changes(&status, &platform::SoundSystemStatus::stateChanged);
+    QSignalSpy changes(&status, &services::SoundSystemStatus::stateChanged);
     ASSERT_TRUE(runUntil([&] { return status.state() == Status::NotAnswering; }));
 
     // Several retries pass without a word: the line does not flicker.

@@ -8,11 +8,11 @@
 #include "support/LevelMeter.h"
 #include "support/OffsetMeter.h"
 
-#include "AudioBackend.h"
-#include "PipeWireAudioHardware.h"
-#include "PulseObjects.h"
+#include "app/AudioBackend.h"
 #include "audio/AudioWrapper.h"
 #include "core/DiagnosticLog.h"
+#include "pipewire/PipeWireAudioHardware.h"
+#include "pulse/PulseObjects.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

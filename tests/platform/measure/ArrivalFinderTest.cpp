@@ -2,10 +2,10 @@
 // starts, to a fraction of a frame, whatever its polarity; and telling it from noise and from
 // the other speaker's sweep.
 
-#include "ArrivalFinder.h"
-#include "CorrelationEnvelope.h"
-#include "Fft.h"
-#include "TestSignal.h"
+#include "measure/ArrivalFinder.h"
+#include "measure/CorrelationEnvelope.h"
+#include "measure/Fft.h"
+#include "measure/TestSignal.h"
 
 #include <gtest/gtest.h>
 

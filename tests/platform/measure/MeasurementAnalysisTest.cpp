@@ -2,7 +2,7 @@
 // out in memory: the microphone's own latency drops out, either speaker may be the later one,
 // and a recording that cannot be trusted is turned down with the reason.
 
-#include "MeasurementAnalysis.h"
+#include "measure/MeasurementAnalysis.h"
 #include "SyntheticRoom.h"
 
 #include <gtest/gtest.h>

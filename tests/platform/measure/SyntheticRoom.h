@@ -3,7 +3,7 @@
 // Recordings of a measurement as a microphone in a room would make them, worked out in memory:
 // each speaker's track arriving with its own lateness (per repeat, if wanted), plus noise.
 
-#include "MeasurementPlan.h"
+#include "measure/MeasurementPlan.h"
 
 #include <array>
 #include <cstdint>

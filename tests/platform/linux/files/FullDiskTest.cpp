@@ -1,8 +1,8 @@
 // Every file Orvanta writes, on a disk that is full: the write is refused whole, the file keeps
 // what it had, and the failure is told with the file's name and the system's reason.
 
-#include "JsonFileUserDefaults.h"
-#include "XdgAutostartLoginItems.h"
+#include "desktop/JsonFileUserDefaults.h"
+#include "desktop/XdgAutostartLoginItems.h"
 #include "hal/PropertyTable.h"
 #include "sim/SimStateFile.h"
 #include "sim/SimulatedAudioHardware.h"
@@ -65,7 +65,7 @@ TEST(FullDisk, ASettingsWriteThatDoesNotFitLeavesTheFileAndSaysSo)
     const QString path = dir.filePath("settings.json");
     QStringList lines;
     std::vector<bool> outcomes;
-    linux_platform::JsonFileUserDefaults defaults(path, [&lines](const QString& line) { lines.append(line); });
+    desktop::JsonFileUserDefaults defaults(path, [&lines](const QString& line) { lines.append(line); });
     defaults.setSaveObserver([&outcomes](bool saved) { outcomes.push_back(saved); });
     defaults.setValue("selectedLanguage", "Deutsch");
     const QByteArray before = contentOf(path);
@@ -89,10 +89,10 @@ TEST(FullDisk, TheAutostartEntryStaysAsItWasAndTheFailureIsReported)
 {
     QTemporaryDir dir;
     const QString entry = dir.filePath("autostart/orvanta.desktop");
-    ASSERT_EQ(linux_platform::XdgAutostartLoginItems(entry, "/usr/bin/orvanta").registerItem(), std::nullopt);
+    ASSERT_EQ(desktop::XdgAutostartLoginItems(entry, "/usr/bin/orvanta").registerItem(), std::nullopt);
     const QByteArray written = contentOf(entry);
 
-    linux_platform::XdgAutostartLoginItems moved(entry, "/opt/orvanta/" + QString(3000, u'o'));
+    desktop::XdgAutostartLoginItems moved(entry, "/opt/orvanta/" + QString(3000, u'o'));
     std::optional<QString> error;
     {
         FullDisk full;
@@ -100,7 +100,7 @@ TEST(FullDisk, TheAutostartEntryStaysAsItWasAndTheFailureIsReported)
     }
     EXPECT_EQ(error, "cannot write " + entry + ": " + FullDisk::reason());
     EXPECT_EQ(contentOf(entry), written);
-    EXPECT_EQ(moved.status(), platform::LoginItems::Status::Enabled);
+    EXPECT_EQ(moved.status(), services::LoginItems::Status::Enabled);
     EXPECT_EQ(filesIn(dir.filePath("autostart")), QStringList{"orvanta.desktop"});
 }
 

@@ -1,7 +1,7 @@
 // The settings file as the program finds it: malformed, oversized, not a file at all, or with
 // temporary files beside it that a killed process left.
 
-#include "JsonFileUserDefaults.h"
+#include "desktop/JsonFileUserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,9 +27,9 @@ protected:
     QString path = dir.filePath("settings.json");
     QStringList lines;
 
-    linux_platform::JsonFileUserDefaults open()
+    desktop::JsonFileUserDefaults open()
     {
-        return linux_platform::JsonFileUserDefaults(path, [this](const QString& line) { lines.append(line); });
+        return desktop::JsonFileUserDefaults(path, [this](const QString& line) { lines.append(line); });
     }
 
     void put(const QString& name, const QByteArray& content)
@@ -94,14 +94,14 @@ TEST_F(SettingsFile, TemporaryFilesLeftByAKilledWriterAreRemovedAtStart)
 TEST_F(SettingsFile, AnOversizedFileIsNotReadButKept)
 {
     QByteArray huge = "{\"a\": \"";
-    huge += QByteArray(linux_platform::JsonFileUserDefaults::kMaxFileBytes, 'a');
+    huge += QByteArray(desktop::JsonFileUserDefaults::kMaxFileBytes, 'a');
     huge += "\"}";
     put("settings.json", huge);
     auto defaults = open();
     EXPECT_FALSE(defaults.value("a").isValid());
     ASSERT_EQ(lines.size(), 1);
     EXPECT_EQ(lines[0], path + ": cannot read the settings (larger than " +
-                            QString::number(linux_platform::JsonFileUserDefaults::kMaxFileBytes) +
+                            QString::number(desktop::JsonFileUserDefaults::kMaxFileBytes) +
                             " bytes); starting with defaults");
     defaults.setValue("a", 1);
     EXPECT_EQ(contentOf("settings.json.broken").size(), huge.size());

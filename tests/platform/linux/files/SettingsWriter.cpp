@@ -2,7 +2,7 @@
 // a counter one higher than the last and the same large padding. Prints "ready" once its first
 // write is done, so that the test kills it while it writes rather than while it starts.
 
-#include "JsonFileUserDefaults.h"
+#include "desktop/JsonFileUserDefaults.h"
 
 #include <QString>
 
@@ -14,7 +14,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: %s SETTINGS_FILE PADDING_BYTES\n", argv[0]);
         return 2;
     }
-    orvanta::linux_platform::JsonFileUserDefaults defaults(QString::fromLocal8Bit(argv[1]));
+    orvanta::desktop::JsonFileUserDefaults defaults(QString::fromLocal8Bit(argv[1]));
     qint64 counter = defaults.value(QStringLiteral("counter")).toLongLong();
     defaults.setValue(QStringLiteral("padding"), QString(QString::fromLocal8Bit(argv[2]).toInt(), u'p'));
     defaults.setValue(QStringLiteral("counter"), ++counter);

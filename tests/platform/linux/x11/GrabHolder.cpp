@@ -1,7 +1,7 @@
 // Another program that holds the volume keys, as a desktop's own volume handler would: grabs
 // them, says "held" on standard output, and keeps them until its standard input closes.
 
-#include "X11VolumeKeys.h"
+#include "x11/X11VolumeKeys.h"
 
 #include <cstdio>
 

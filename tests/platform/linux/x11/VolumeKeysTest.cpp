@@ -5,8 +5,8 @@
 #include "support/EventLoop.h"
 #include "support/StateFixture.h"
 
-#include "X11AccessibilityTrust.h"
-#include "X11EventTap.h"
+#include "x11/X11AccessibilityTrust.h"
+#include "x11/X11EventTap.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -106,13 +106,13 @@ TEST_F(VolumeKeys, EachKeyDownMovesBothDevicesByOneStep)
 
 TEST_F(VolumeKeys, KeyDownsAreDroppedAndKeyUpsPassOn)
 {
-    std::vector<platform::TapEvent> seen;
+    std::vector<services::TapEvent> seen;
     std::vector<bool> passed;
-    auto port = x11Taps.create(platform::kSystemDefinedEventMask, [&](const platform::TapEvent& event) {
+    auto port = x11Taps.create(services::kSystemDefinedEventMask, [&](const services::TapEvent& event) {
         seen.push_back(event);
         const bool keyDown = (event.data1 & 0xFF00) == 0x0A00;
         passed.push_back(!keyDown);
-        return keyDown ? std::nullopt : std::optional<platform::TapEvent>(event);
+        return keyDown ? std::nullopt : std::optional<services::TapEvent>(event);
     });
     ASSERT_TRUE(port);
     port->addToMainLoop();
@@ -165,18 +165,18 @@ TEST_F(VolumeKeys, WithTheSoundServerAnotherClientHoldingTheKeysCoversThem)
     Holder holder;
     ASSERT_TRUE(holder.held);
     EXPECT_TRUE(serverTrust.isProcessTrusted());
-    EXPECT_EQ(serverTrust.obstacle(), platform::AccessibilityTrust::Obstacle::None);
+    EXPECT_EQ(serverTrust.obstacle(), services::AccessibilityTrust::Obstacle::None);
     EXPECT_FALSE(x11Trust.isProcessTrusted());
-    EXPECT_EQ(x11Trust.obstacle(), platform::AccessibilityTrust::Obstacle::KeysHeldByAnotherProgram);
+    EXPECT_EQ(x11Trust.obstacle(), services::AccessibilityTrust::Obstacle::KeysHeldByAnotherProgram);
 }
 
 TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeys)
 {
-    using Obstacle = platform::AccessibilityTrust::Obstacle;
+    using Obstacle = services::AccessibilityTrust::Obstacle;
     using Sound = x11::X11AccessibilityTrust::Sound;
     x11::X11VolumeKeys keys(nullptr);
     x11::X11EventTap taps(keys);
-    EXPECT_EQ(taps.create(platform::kSystemDefinedEventMask, [](const platform::TapEvent& e) { return e; }), nullptr);
+    EXPECT_EQ(taps.create(services::kSystemDefinedEventMask, [](const services::TapEvent& e) { return e; }), nullptr);
 
     x11::X11AccessibilityTrust plasma(keys, Sound::Server, QStringLiteral("KDE"));
     EXPECT_TRUE(plasma.isProcessTrusted());

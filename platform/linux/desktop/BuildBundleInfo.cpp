@@ -1,0 +1,12 @@
+#include "BuildBundleInfo.h"
+
+namespace orvanta::desktop {
+
+BuildBundleInfo::BuildBundleInfo(const QString& version)
+{
+    if (!version.isEmpty()) {
+        shortVersion = version;
+    }
+}
+
+} // namespace orvanta::desktop
