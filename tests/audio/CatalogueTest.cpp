@@ -15,16 +15,6 @@ using audio::AudioDeviceOption;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(Catalogue, EmptySystemGivesEmptyCatalogue)
-{
-    SimAudio sim({});
-    EXPECT_THAT(sim.audio.getAllDeviceIDs(), IsEmpty());
-    EXPECT_THAT(sim.audio.getOutputDevices(), IsEmpty());
-    // The device list is sized first, then read with that size, on each call.
-    EXPECT_THAT(sim.calls(), ElementsAre("size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0",
-                                         "size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0"));
-}
-
 TEST(Catalogue, ListsOutputsInPlatformOrderAndLeavesInputOnlyDevicesOut)
 {
     SimAudio sim(sim::builtinDeviceDescription().devices);
@@ -37,8 +27,13 @@ TEST(Catalogue, ListsOutputsInPlatformOrderAndLeavesInputOnlyDevicesOut)
                             AudioDeviceOption{"HDMI Display", "alsa_output.pci-0000_01_00.1.hdmi-stereo", false}));
 }
 
-TEST(Catalogue, ReadsEachDeviceInTheSpecifiedOrder)
+TEST(Catalogue, SizesTheListThenReadsItAndEachDeviceInTheSpecifiedOrder)
 {
+    SimAudio empty({});
+    EXPECT_THAT(empty.audio.getAllDeviceIDs(), IsEmpty());
+    EXPECT_THAT(empty.audio.getOutputDevices(), IsEmpty());
+    EXPECT_THAT(empty.calls(), ElementsAre("size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0",
+                                           "size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0"));
     SimAudio sim({outputDevice("Speakers", "spk")});
     sim.audio.getOutputDevices();
     const auto id = std::to_string(sim.idOf("spk"));
@@ -107,27 +102,26 @@ TEST(Catalogue, UIDLookupStopsAtTheFirstMatch)
                                                 "get 2 'nsrt' glob 0 [8] -> 0"));
 }
 
+// Removes a device while the device list is read, after it was sized.
+void removeDuringListRead(SimAudio& sim, const std::string& uid)
+{
+    sim.system.setBeforeCall([&sim, uid](const sim::CallRecord& call) {
+        if (call.kind == sim::CallKind::GetPropertyData &&
+            call.address.mSelector == hal::kAudioHardwarePropertyDevices) {
+            sim.system.removeDevice(uid);
+        }
+    });
+}
+
 TEST(Catalogue, DeviceListShrinkingBetweenSizeAndReadLeavesZeroIDsThatMatchNothing)
 {
     SimAudio sim({outputDevice("A", "a"), outputDevice("B", "b"), outputDevice("C", "c")});
-    sim.system.setBeforeCall([&sim](const sim::CallRecord& call) {
-        if (call.kind == sim::CallKind::GetPropertyData &&
-            call.address.mSelector == hal::kAudioHardwarePropertyDevices) {
-            sim.system.removeDevice("c");
-        }
-    });
+    removeDuringListRead(sim, "c");
     const auto ids = sim.audio.getAllDeviceIDs();
-    sim.system.setBeforeCall({});
     ASSERT_EQ(ids.size(), 3u);
     EXPECT_EQ(ids[2], hal::kAudioObjectUnknown);
-
     sim.system.addDevice(outputDevice("D", "d"));
-    sim.system.setBeforeCall([&sim](const sim::CallRecord& call) {
-        if (call.kind == sim::CallKind::GetPropertyData &&
-            call.address.mSelector == hal::kAudioHardwarePropertyDevices) {
-            sim.system.removeDevice("d");
-        }
-    });
+    removeDuringListRead(sim, "d");
     const auto devices = sim.audio.getOutputDevices();
     ASSERT_EQ(devices.size(), 2u);
     EXPECT_EQ(devices[1].uid, "b");
