@@ -9,7 +9,6 @@
 #include <numbers>
 
 namespace orvanta::testing {
-
 namespace {
 
 constexpr float kClickAmplitude = 0.7f;
@@ -56,6 +55,11 @@ std::optional<std::pair<long, long>> soundingSpan(const Samples& recording, int 
         return std::nullopt;
     }
     return std::make_pair(first, last);
+}
+
+bool cleanTone(const ToneCheck& tone)
+{
+    return tone.longestGapMs < 1.0 && tone.largestStep <= tone.toneStep * 1.05 && tone.finiteWithinScale;
 }
 
 } // namespace
@@ -231,15 +235,6 @@ std::optional<double> measureOffsetMs(const SoundServer& server)
     }
     return static_cast<double>(a.front() - b.front()) * 1000.0 / kMeterRate;
 }
-
-namespace {
-
-bool cleanTone(const ToneCheck& tone)
-{
-    return tone.longestGapMs < 1.0 && tone.largestStep <= tone.toneStep * 1.05 && tone.finiteWithinScale;
-}
-
-} // namespace
 
 std::optional<ToneCheck> changedMemberTone(const SoundServer& server, double seconds,
                                            const std::function<void()>& changes)

@@ -38,7 +38,4 @@ private:
     std::unique_ptr<Player> noise;
 };
 
-// Steady noise, about 40 dB below the test sounds' level, for `seconds`.
-Samples roomNoise(double seconds);
-
 } // namespace orvanta::testing

@@ -42,11 +42,20 @@ public:
     QString pactl(const QStringList& arguments) const;
     // Loads a module with pactl, one argument per entry; gives its index, or -1.
     long long loadModule(const QString& name, const QStringList& arguments) const;
+    // The sorted arguments of the modules whose line holds text; the index of the first one.
+    QStringList modules(const QString& text) const;
+    QString moduleLoading(const QString& text) const
+    {
+        return pactlLines("modules", text).value(0).section('\t', 0, 0);
+    }
+    int sinksNamed(const QString& name) const;
+    QString defaultSink() const { return pactl({"get-default-sink"}).trimmed(); }
     QString serverAddress() const;
     Kind kind() const { return serverKind; }
     static const char* name(Kind kind);
 
 private:
+    QStringList pactlLines(const QString& list, const QString& text) const;
     std::unique_ptr<QProcess> spawn(const QString& program, const QStringList& arguments) const;
     QProcess* launch(const QString& program, const QStringList& arguments);
     bool startSessionBus();

@@ -22,10 +22,10 @@ struct Delays
 };
 
 // A private PulseAudio with the meter rig and the audio layer over it.
-class MeterRig
+class LoopbackLiveChange : public ::testing::Test
 {
 protected:
-    void startRig()
+    void SetUp() override
     {
         server = std::make_unique<SoundServer>(SoundServer::Kind::PulseAudio);
         ASSERT_TRUE(server->start());
@@ -42,17 +42,8 @@ protected:
     std::unique_ptr<audio::AudioWrapper> audio;
 };
 
-class LoopbackOffset : public ::testing::TestWithParam<Delays>, protected MeterRig
-{
-protected:
-    void SetUp() override { startRig(); }
-};
-
-class LoopbackLiveChange : public ::testing::Test, protected MeterRig
-{
-protected:
-    void SetUp() override { startRig(); }
-};
+class LoopbackOffset : public LoopbackLiveChange, public ::testing::WithParamInterface<Delays>
+{};
 
 TEST_P(LoopbackOffset, MembersAreOffsetByTheirDeclaredDelaysInTheRightDirection)
 {

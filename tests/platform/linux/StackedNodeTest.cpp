@@ -17,21 +17,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QThread>
 
 #include <cstdlib>
-#include <functional>
 
 namespace orvanta::testing {
 namespace {
 
 constexpr double kExactMs = 0.1;
 
-class PipeWireRig
+class StackedNode : public ::testing::Test
 {
 protected:
-    void startRig()
+    void SetUp() override
     {
         server = std::make_unique<SoundServer>(SoundServer::Kind::PipeWire);
         ASSERT_TRUE(server->start());
@@ -45,20 +43,6 @@ protected:
         ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() >= 3; }, 5000));
     }
 
-    int sinksNamed(const QString& name) const
-    {
-        int count = 0;
-        for (const auto& line : server->pactl({"list", "short", "sinks"}).split('\n')) {
-            count += line.section('\t', 1, 1) == name ? 1 : 0;
-        }
-        return count;
-    }
-
-    QString moduleLoading(const QString& argument) const
-    {
-        return server->pactl({"list", "short", "modules"}).split('\n').filter(argument).value(0).section('\t', 0, 0);
-    }
-
     std::unique_ptr<SoundServer> server;
     app::AudioBackend backend;
     pipewire::PipeWireAudioHardware* node = nullptr;
@@ -66,18 +50,12 @@ protected:
     std::unique_ptr<audio::AudioWrapper> audio;
 };
 
-class StackedNode : public ::testing::Test, protected PipeWireRig
-{
-protected:
-    void SetUp() override { startRig(); }
-};
-
 TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
     ASSERT_EQ(printed.lines.size(), 1u);
     EXPECT_THAT(printed.lines[0], ::testing::StartsWith("✅ Sync Device Created! ID: "));
-    EXPECT_TRUE(eventually([this] { return server->pactl({"get-default-sink"}).trimmed() == "com.quellon.stacked"; }));
+    EXPECT_TRUE(eventually([this] { return server->defaultSink() == "com.quellon.stacked"; }));
     const QString sinks = server->pactl({"list", "sinks"});
     EXPECT_TRUE(sinks.contains("Name: com.quellon.stacked")) << sinks.toStdString();
     EXPECT_TRUE(sinks.contains("Description: Orvanta"));
@@ -87,7 +65,7 @@ TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
     // The process that hosts it goes: so does the node.
     audio.reset();
     backend.hardware.reset();
-    EXPECT_TRUE(eventually([this] { return sinksNamed("com.quellon.stacked") == 0; }, 5000));
+    EXPECT_TRUE(eventually([this] { return server->sinksNamed("com.quellon.stacked") == 0; }, 5000));
 }
 
 TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
@@ -106,16 +84,16 @@ TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
 
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 20), hal::noErr);
     EXPECT_EQ(printed.lines.front(), "🗑️ Startup Cleanup: Old device destroyed.");
-    EXPECT_EQ(sinksNamed("com.quellon.stacked"), 1);
+    EXPECT_EQ(server->sinksNamed("com.quellon.stacked"), 1);
     // The server lists an unloaded module for a moment longer.
-    EXPECT_TRUE(eventually([this] { return moduleLoading("module-loopback").isEmpty(); }));
-    EXPECT_TRUE(moduleLoading("sink_name=com.quellon.stacked").isEmpty());
+    EXPECT_TRUE(eventually([this] { return server->moduleLoading("module-loopback").isEmpty(); }));
+    EXPECT_TRUE(server->moduleLoading("sink_name=com.quellon.stacked").isEmpty());
 }
 
 TEST_F(StackedNode, AMemberThatComesBackIsInStepAgainWithinASecond)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
-    const QString mB = moduleLoading("sink_name=mB");
+    const QString mB = server->moduleLoading("sink_name=mB");
     ASSERT_FALSE(mB.isEmpty());
     ASSERT_FALSE(server->pactl({"unload-module", mB}).isNull());
     ASSERT_TRUE(eventually([this] { return !node->stackedNode()->memberLinked("mB"); }, 5000));
@@ -161,11 +139,9 @@ struct Delays
     int secondaryMs;
 };
 
-class StackedNodeOffset : public ::testing::TestWithParam<Delays>, protected PipeWireRig
+class StackedNodeOffset : public StackedNode, public ::testing::WithParamInterface<Delays>
 {
 protected:
-    void SetUp() override { startRig(); }
-
     // Builds the stacked device, plays two clicks into it from 100 ms on, and takes it down
     // once the held-back member has played them too.
     void playOneBuild(int primaryMs, int secondaryMs)
@@ -249,11 +225,8 @@ TEST_F(StackedNode, ThreeHundredChangesInThreeSecondsStayCleanAndEndExact)
     EXPECT_NEAR(*offset, delay, kExactMs);
 }
 
-class StackedNodeLatency : public ::testing::TestWithParam<int>, protected PipeWireRig
-{
-protected:
-    void SetUp() override { startRig(); }
-};
+class StackedNodeLatency : public StackedNode, public ::testing::WithParamInterface<int>
+{};
 
 TEST_P(StackedNodeLatency, APlayerIsToldTheLatencyToTheLaterMember)
 {

@@ -108,10 +108,7 @@ TEST(FullDisk, TheSimulatedStateFileKeepsTheLastStateThatFit)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("state.json");
-    sim::DeviceSpec speakers;
-    speakers.name = "Speakers";
-    speakers.uid = "spk";
-    speakers.virtualMainVolume = {true, true, 0.5f};
+    const sim::DeviceSpec speakers{.name = "Speakers", .uid = "spk", .virtualMainVolume = {true, true, 0.5f}};
     sim::SimulatedAudioHardware system({{speakers}, {}, {}});
     std::string error;
     ASSERT_TRUE(sim::watchStateInFile(system, path.toStdString(), error)) << error;
