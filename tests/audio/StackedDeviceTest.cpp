@@ -78,7 +78,7 @@ TEST(StackedDevice, CreationRunsInOrderBecomesTheDefaultAndRecreatingLeavesOneDe
     sim.reset();
     ASSERT_EQ(sim.audio.createStackedDevice("spk", "bt", 0, 120), hal::noErr);
     EXPECT_EQ(stackedCount(sim), 1u);
-    EXPECT_THAT(sim.printed.lines, ElementsAre(kCleanup, ::testing::StartsWith("✅ Sync Device Created! ID: 94")));
+    EXPECT_THAT(sim.printed.lines, ElementsAre(kCleanup, "✅ Sync Device Created! ID: 96, latency1=0ms latency2=120ms"));
     EXPECT_THAT(sim.calls({"destroy"}), ElementsAre("destroy 93 -> 0"));
 }
 

@@ -25,8 +25,12 @@ QJsonObject readState(const QString& path)
 
 SystemSpec twoDevices()
 {
-    DeviceSpec speakers{.name = "Speakers", .uid = "spk", .virtualMainVolume = {true, true, 0.5f}};
-    DeviceSpec bluetooth{.name = "BT", .uid = "bt", .transportType = kAudioDeviceTransportTypeBluetooth};
+    DeviceSpec speakers;
+    speakers.name = speakers.uid = "spk";
+    speakers.virtualMainVolume = {true, true, 0.5f};
+    DeviceSpec bluetooth;
+    bluetooth.name = bluetooth.uid = "bt";
+    bluetooth.transportType = kAudioDeviceTransportTypeBluetooth;
     bluetooth.channelVolumes = {{true, true, 0.5f}, {true, true, 0.5f}};
     return {{speakers, bluetooth}, {}, {}};
 }

@@ -108,7 +108,9 @@ TEST(FullDisk, TheSimulatedStateFileKeepsTheLastStateThatFit)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("state.json");
-    const sim::DeviceSpec speakers{.name = "Speakers", .uid = "spk", .virtualMainVolume = {true, true, 0.5f}};
+    sim::DeviceSpec speakers;
+    speakers.name = speakers.uid = "spk";
+    speakers.virtualMainVolume = {true, true, 0.5f};
     sim::SimulatedAudioHardware system({{speakers}, {}, {}});
     std::string error;
     ASSERT_TRUE(sim::watchStateInFile(system, path.toStdString(), error)) << error;

@@ -202,9 +202,9 @@ TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
     ASSERT_TRUE(QDir(home.path()).mkpath("config/orvanta") && QDir(home.path()).mkpath("runtime"));
     QFile::setPermissions(home.filePath("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QFile settings(home.filePath("config/orvanta/settings.json"));
-    ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
-    settings.write(R"({"restoreSyncAtStart": true, "restoreSyncDevices": {
-        "primary": "alsa_output.pci-0000_00_1f.3.analog-stereo", "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})");
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly) &&
+                settings.write(R"({"restoreSyncAtStart": true, "restoreSyncDevices": {
+        "primary": "alsa_output.pci-0000_00_1f.3.analog-stereo", "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})") > 0);
     settings.close();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_RUNTIME_DIR", home.filePath("runtime"));
