@@ -20,11 +20,9 @@
 namespace orvanta::testing {
 namespace {
 
-// The session manager's own settings for a private server, read before the system's. WirePlumber
-// 0.4 starts its Bluetooth monitor with logind seat tracking, which fails and takes the whole
-// session manager down where logind does not run (a container, a chroot, a minimal CI machine):
-// then nothing ever picks a default sink. A private test server has no Bluetooth devices to
-// offer anyway, so the monitor stays off; the default-node policy is untouched.
+// Read before the system's settings. WirePlumber 0.4's Bluetooth monitor tracks logind seats, and
+// where logind does not run (a container, a minimal CI machine) that takes the whole session manager
+// down, so that nothing picks a default sink. A test server has no Bluetooth devices anyway.
 constexpr char kNoBluetoothMonitor[] =
     "-- A private test server: no Bluetooth monitor, and so no logind seat tracking.\n"
     "bluez_monitor.enabled = false\n";

@@ -1,10 +1,8 @@
 #pragma once
 
-// A private sound server for one test: PulseAudio 16, or PipeWire with its pulse server (and
-// the session bus and session manager it needs), each in its own runtime, configuration and
-// state directories, with PULSE_SERVER pointed at it for this process. Needs no system service
-// (no system bus, no logind), so it runs in a container or a bare root as well. Torn down when
-// the object goes; its processes also end if the test process dies first.
+// A private sound server for one test: PulseAudio 16, or PipeWire with its pulse server, session bus
+// and session manager, in directories of its own, with PULSE_SERVER pointed at it. Needs no system
+// service (no system bus, no logind); its processes end with the object or with the test process.
 
 #include <QProcess>
 #include <QString>

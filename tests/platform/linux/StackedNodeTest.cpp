@@ -4,8 +4,6 @@
 // that comes back.
 
 #include "support/EventLoop.h"
-#include "support/LatencyProbe.h"
-#include "support/LevelMeter.h"
 #include "support/OffsetMeter.h"
 
 #include "AudioBackend.h"
