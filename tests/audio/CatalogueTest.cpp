@@ -77,14 +77,10 @@ TEST(Catalogue, TellsBluetoothByTransportTypeAndReadsRatesWith48kAsTheFallback)
                   outputDevice("USB", "usb", hal::kAudioDeviceTransportTypeUSB, -44100.0),
                   outputDevice("Built-in", "builtin"),
                   outputDevice("AirPlay", "airplay", hal::kAudioDeviceTransportTypeAirPlay, 96000.0), unreadable});
-    const std::vector<std::tuple<std::string, bool, double>> expected{{"le", true, 44100.0},
-                                                                      {"classic", true, 48000.0},
-                                                                      {"usb", false, 48000.0},
-                                                                      {"builtin", false, 48000.0},
-                                                                      {"airplay", false, 96000.0},
-                                                                      {"mystery", false, 48000.0},
-                                                                      {"no-such-device", false, 48000.0}};
-    for (const auto& [uid, bluetooth, rate] : expected) {
+    for (const auto& [uid, bluetooth, rate] :
+         {std::tuple{"le", true, 44100.0}, std::tuple{"classic", true, 48000.0}, std::tuple{"usb", false, 48000.0},
+          std::tuple{"builtin", false, 48000.0}, std::tuple{"airplay", false, 96000.0},
+          std::tuple{"mystery", false, 48000.0}, std::tuple{"no-such-device", false, 48000.0}}) {
         EXPECT_EQ(sim.audio.isBluetoothDevice(uid), bluetooth) << uid;
         EXPECT_EQ(sim.audio.getNominalSampleRate(uid), rate) << uid;
     }

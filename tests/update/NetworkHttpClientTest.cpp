@@ -148,8 +148,6 @@ TEST_F(UpdateNetworkHttpClient, ManyRequestsAtOnceEachGetTheirOwnResponse)
     QHash<int, QByteArray> bodies;
     for (int index = 0; index < 8; ++index) {
         server.setRoute("/item/" + QByteArray::number(index), Route::reply(200, QByteArray::number(index * index)));
-    }
-    for (int index = 0; index < 8; ++index) {
         client.get(server.url(QStringLiteral("/item/%1").arg(index)),
                    [&bodies, index](const HttpResponse& response) { bodies.insert(index, response.body); });
     }

@@ -161,7 +161,7 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessThe
     EXPECT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
 }
 
-TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeys)
+TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeysWithItsOwnSettings)
 {
     using Obstacle = platform::AccessibilityTrust::Obstacle;
     using Sound = x11::X11AccessibilityTrust::Sound;
@@ -180,10 +180,8 @@ TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandles
     EXPECT_FALSE(simulated.isProcessTrusted());
     EXPECT_EQ(simulated.obstacle(), Obstacle::SessionGivesNoKeys);
     EXPECT_FALSE(simulated.canPromptForTrust());
-}
 
-TEST(ShortcutSettings, EachDesktopOpensItsOwnKeyboardSettingsAndKnownDesktopsHandleTheVolumeKeys)
-{
+    // Each desktop opens its own keyboard settings, and the known ones handle the volume keys.
     EXPECT_EQ(x11::shortcutSettingsCommand("ubuntu:GNOME"), (QStringList{"gnome-control-center", "keyboard"}));
     EXPECT_EQ(x11::shortcutSettingsCommand("KDE"), (QStringList{"systemsettings", "kcm_keys"}));
     EXPECT_EQ(x11::shortcutSettingsCommand("XFCE"), QStringList{"xfce4-keyboard-settings"});
@@ -204,7 +202,8 @@ TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
     QFile settings(home.filePath("config/orvanta/settings.json"));
     ASSERT_TRUE(settings.open(QIODevice::WriteOnly) &&
                 settings.write(R"({"restoreSyncAtStart": true, "restoreSyncDevices": {
-        "primary": "alsa_output.pci-0000_00_1f.3.analog-stereo", "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})") > 0);
+        "primary": "alsa_output.pci-0000_00_1f.3.analog-stereo", "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})") >
+                    0);
     settings.close();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_RUNTIME_DIR", home.filePath("runtime"));
