@@ -17,12 +17,6 @@ namespace {
 
 const QString kProductName = QStringLiteral("Orvanta");
 
-UpdateChecker::Translate& sharedTranslator()
-{
-    static UpdateChecker::Translate translator;
-    return translator;
-}
-
 // The feed in a response: only a body that arrived without a transfer error counts. The HTTP
 // status plays no part.
 std::optional<Feed> readFeed(const services::HttpResponse& response)
@@ -39,20 +33,6 @@ UpdateChecker::UpdateChecker(Translate translate, const services::PlatformServic
     : translator(std::move(translate)), http(services.http), alerts(services.alerts), workspace(services.workspace),
       bundle(services.bundle), feed(std::move(feedUrl))
 {}
-
-UpdateChecker& UpdateChecker::shared()
-{
-    static UpdateChecker checker([](const QString& key) {
-        const Translate& translate = sharedTranslator();
-        return translate ? translate(key) : key;
-    });
-    return checker;
-}
-
-void UpdateChecker::setSharedTranslator(Translate translate)
-{
-    sharedTranslator() = std::move(translate);
-}
 
 QUrl UpdateChecker::defaultFeedUrl()
 {

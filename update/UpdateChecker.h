@@ -32,16 +32,10 @@ public:
     // The interface language's text for an English key.
     using Translate = std::function<QString(const QString& key)>;
 
-    // Without translate, texts stay English. The services are taken from services as they are
-    // now; the feed is the one on the configured web site unless feedUrl says otherwise.
-    explicit UpdateChecker(Translate translate = {},
-                           const services::PlatformServices& services = services::PlatformServices::current(),
-                           QUrl feedUrl = defaultFeedUrl());
-
-    // The process's instance, created on first use over the services main() chose. It translates
-    // through the function given to setSharedTranslator(), whenever that is given.
-    static UpdateChecker& shared();
-    static void setSharedTranslator(Translate translate);
+    // Without translate, texts stay English. The network, dialogs, browser and version are
+    // taken from services; the feed is the one on the configured web site unless feedUrl says
+    // otherwise.
+    UpdateChecker(Translate translate, const services::PlatformServices& services, QUrl feedUrl = defaultFeedUrl());
 
     static QUrl defaultFeedUrl();
 

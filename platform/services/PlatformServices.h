@@ -1,7 +1,7 @@
 #pragma once
 
 // The services the program uses besides the sound system, chosen once in main() (the real
-// ones, or simulated ones in tests) and read by the shared objects when they are created.
+// ones, or simulated ones in tests) and handed to the objects that use them.
 
 namespace orvanta::services {
 
@@ -24,9 +24,6 @@ struct PlatformServices
     Alerts* alerts = nullptr;
     Workspace* workspace = nullptr;
     BundleInfo* bundle = nullptr;
-
-    // The services in use; main() fills them in before any shared object is created.
-    static PlatformServices& current();
 };
 
 } // namespace orvanta::services

@@ -15,16 +15,6 @@ using audio::AudioDeviceOption;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(Catalogue, EmptySystemGivesEmptyCatalogue)
-{
-    SimAudio sim({});
-    EXPECT_THAT(sim.audio.getAllDeviceIDs(), IsEmpty());
-    EXPECT_THAT(sim.audio.getOutputDevices(), IsEmpty());
-    // The device list is sized first, then read with that size, on each call.
-    EXPECT_THAT(sim.calls(), ElementsAre("size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0",
-                                         "size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0"));
-}
-
 TEST(Catalogue, ListsOutputsInPlatformOrderAndLeavesInputOnlyDevicesOut)
 {
     SimAudio sim(sim::builtinDeviceDescription().devices);
@@ -37,8 +27,13 @@ TEST(Catalogue, ListsOutputsInPlatformOrderAndLeavesInputOnlyDevicesOut)
                             AudioDeviceOption{"HDMI Display", "alsa_output.pci-0000_01_00.1.hdmi-stereo", false}));
 }
 
-TEST(Catalogue, ReadsEachDeviceInTheSpecifiedOrder)
+TEST(Catalogue, SizesTheListThenReadsItAndEachDeviceInTheSpecifiedOrder)
 {
+    SimAudio empty({});
+    EXPECT_THAT(empty.audio.getAllDeviceIDs(), IsEmpty());
+    EXPECT_THAT(empty.audio.getOutputDevices(), IsEmpty());
+    EXPECT_THAT(empty.calls(), ElementsAre("size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0",
+                                           "size 1 'dev#' glob 0 -> 0", "get 1 'dev#' glob 0 [0] -> 0"));
     SimAudio sim({outputDevice("Speakers", "spk")});
     sim.audio.getOutputDevices();
     const auto id = std::to_string(sim.idOf("spk"));
@@ -82,14 +77,10 @@ TEST(Catalogue, TellsBluetoothByTransportTypeAndReadsRatesWith48kAsTheFallback)
                   outputDevice("USB", "usb", hal::kAudioDeviceTransportTypeUSB, -44100.0),
                   outputDevice("Built-in", "builtin"),
                   outputDevice("AirPlay", "airplay", hal::kAudioDeviceTransportTypeAirPlay, 96000.0), unreadable});
-    const std::vector<std::tuple<std::string, bool, double>> expected{{"le", true, 44100.0},
-                                                                      {"classic", true, 48000.0},
-                                                                      {"usb", false, 48000.0},
-                                                                      {"builtin", false, 48000.0},
-                                                                      {"airplay", false, 96000.0},
-                                                                      {"mystery", false, 48000.0},
-                                                                      {"no-such-device", false, 48000.0}};
-    for (const auto& [uid, bluetooth, rate] : expected) {
+    for (const auto& [uid, bluetooth, rate] :
+         {std::tuple{"le", true, 44100.0}, std::tuple{"classic", true, 48000.0}, std::tuple{"usb", false, 48000.0},
+          std::tuple{"builtin", false, 48000.0}, std::tuple{"airplay", false, 96000.0},
+          std::tuple{"mystery", false, 48000.0}, std::tuple{"no-such-device", false, 48000.0}}) {
         EXPECT_EQ(sim.audio.isBluetoothDevice(uid), bluetooth) << uid;
         EXPECT_EQ(sim.audio.getNominalSampleRate(uid), rate) << uid;
     }
@@ -107,27 +98,26 @@ TEST(Catalogue, UIDLookupStopsAtTheFirstMatch)
                                                 "get 2 'nsrt' glob 0 [8] -> 0"));
 }
 
+// Removes a device while the device list is read, after it was sized.
+void removeDuringListRead(SimAudio& sim, const std::string& uid)
+{
+    sim.system.setBeforeCall([&sim, uid](const sim::CallRecord& call) {
+        if (call.kind == sim::CallKind::GetPropertyData &&
+            call.address.mSelector == hal::kAudioHardwarePropertyDevices) {
+            sim.system.removeDevice(uid);
+        }
+    });
+}
+
 TEST(Catalogue, DeviceListShrinkingBetweenSizeAndReadLeavesZeroIDsThatMatchNothing)
 {
     SimAudio sim({outputDevice("A", "a"), outputDevice("B", "b"), outputDevice("C", "c")});
-    sim.system.setBeforeCall([&sim](const sim::CallRecord& call) {
-        if (call.kind == sim::CallKind::GetPropertyData &&
-            call.address.mSelector == hal::kAudioHardwarePropertyDevices) {
-            sim.system.removeDevice("c");
-        }
-    });
+    removeDuringListRead(sim, "c");
     const auto ids = sim.audio.getAllDeviceIDs();
-    sim.system.setBeforeCall({});
     ASSERT_EQ(ids.size(), 3u);
     EXPECT_EQ(ids[2], hal::kAudioObjectUnknown);
-
     sim.system.addDevice(outputDevice("D", "d"));
-    sim.system.setBeforeCall([&sim](const sim::CallRecord& call) {
-        if (call.kind == sim::CallKind::GetPropertyData &&
-            call.address.mSelector == hal::kAudioHardwarePropertyDevices) {
-            sim.system.removeDevice("d");
-        }
-    });
+    removeDuringListRead(sim, "d");
     const auto devices = sim.audio.getOutputDevices();
     ASSERT_EQ(devices.size(), 2u);
     EXPECT_EQ(devices[1].uid, "b");

@@ -46,10 +46,10 @@ const std::string kBluetooth = "bluez_output.A4_77_58_0C_11_2E.1";
 
 void nothing(SimAudio&) {}
 
-TEST(Fallbacks, CatalogueShrinksOrBlanksButNeverInvents)
+TEST(Fallbacks, QueriesFallToNeutralValuesAndAVolumeEndsInHardwareOrSoftwareButNeverHalfway)
 {
     const auto full = SimAudio(sim::builtinDeviceDescription().devices).audio.getOutputDevices();
-    forEachFailedCall(nothing, [&full](SimAudio& sim, std::size_t) {
+    forEachFailedCall(nothing, [&full](SimAudio& sim, std::size_t failed) {
         const auto devices = sim.audio.getOutputDevices();
         EXPECT_LE(devices.size(), full.size());
         for (const auto& device : devices) {
@@ -59,16 +59,17 @@ TEST(Fallbacks, CatalogueShrinksOrBlanksButNeverInvents)
             });
             EXPECT_TRUE(known) << device.name << " / " << device.uid;
         }
-    });
-}
-
-TEST(Fallbacks, RateBluetoothAndHardwareVolumeFallToTheirNeutralValues)
-{
-    forEachFailedCall(nothing, [](SimAudio& sim, std::size_t failed) {
         const double rate = sim.audio.getNominalSampleRate(kBluetooth);
         EXPECT_TRUE(rate == 44100.0 || (failed > 0 && rate == 48000.0)) << rate;
         EXPECT_TRUE(sim.audio.isBluetoothDevice(kBluetooth) || failed > 0);
         EXPECT_TRUE(sim.audio.supportsHardwareVolume(kSpeakers) || failed > 0);
+        sim.audio.setVolume(kBluetooth, 0.5f);
+        const auto count = sim.printed.lines.size();
+        EXPECT_TRUE(count == 0 || count == 1 || count == 3) << count;
+        if (count == 3) {
+            EXPECT_FALSE(sim.audio.deviceSupportsHardwareVolume().at(kBluetooth));
+            EXPECT_EQ(sim.audio.softwareVolumes().at(kBluetooth), 0.5f);
+        }
     });
 }
 
@@ -101,19 +102,6 @@ TEST(Fallbacks, RuntimeLatencyEitherAppliesOrStaysQuietOrReports)
                         line == "⏱️ Real-time latency set on " + kBluetooth + ": 150ms (7200.0 frames)" ||
                         line == "ℹ️ Runtime latency set failed (-4242); will apply on next sync toggle.")
                 << line;
-        }
-    });
-}
-
-TEST(Fallbacks, VolumeEndsInHardwareOrSoftwareButNeverHalfway)
-{
-    forEachFailedCall(nothing, [](SimAudio& sim, std::size_t) {
-        sim.audio.setVolume(kBluetooth, 0.5f);
-        const auto count = sim.printed.lines.size();
-        EXPECT_TRUE(count == 0 || count == 1 || count == 3) << count;
-        if (count == 3) {
-            EXPECT_FALSE(sim.audio.deviceSupportsHardwareVolume().at(kBluetooth));
-            EXPECT_EQ(sim.audio.softwareVolumes().at(kBluetooth), 0.5f);
         }
     });
 }

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 namespace orvanta::testing {
@@ -19,17 +18,12 @@ sim::DeviceSpec virtualMain(const std::string& uid, bool writable = true)
     return device;
 }
 
-sim::DeviceSpec perChannel(const std::string& uid, bool first = true, bool second = true)
+sim::DeviceSpec perChannel(const std::string& uid, std::vector<bool> writable = {true, true})
 {
     auto device = outputDevice("Channels " + uid, uid, hal::kAudioDeviceTransportTypeBluetooth);
-    device.channelVolumes = {volumeControl(first), volumeControl(second)};
-    return device;
-}
-
-sim::DeviceSpec mainElement(const std::string& uid)
-{
-    auto device = outputDevice("Main " + uid, uid, hal::kAudioDeviceTransportTypeUSB);
-    device.mainVolume = volumeControl();
+    for (const bool w : writable) {
+        device.channelVolumes.push_back(volumeControl(w));
+    }
     return device;
 }
 
@@ -52,100 +46,84 @@ TEST(Volume, VirtualMainVolumeGetsOneWriteAndOneLineOfTheClampedLevel)
 
     // Levels are clamped before anything sees them.
     sim.reset();
-    sim.audio.setVolume("vm", 1.7f);
-    sim.audio.setVolume("vm", -0.2f);
-    sim.audio.setVolume("vm", std::numeric_limits<float>::quiet_NaN());
+    for (const float level : {1.7f, -0.2f, std::numeric_limits<float>::quiet_NaN()}) {
+        sim.audio.setVolume("vm", level);
+    }
     EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via VirtualMainVolume for vm: 1.0",
                                                "✅ Volume set via VirtualMainVolume for vm: 0.0",
                                                "✅ Volume set via VirtualMainVolume for vm: 1.0"));
 }
 
-TEST(Volume, PerChannelControlsGetTwoWritesAndOneLineEvenIfOneFails)
+TEST(Volume, PerChannelControlsGetTwoWritesAndOneLineEvenIfOneFailsOrIsMissing)
 {
-    SimAudio sim({perChannel("bt", true, false)});
+    // Channel two is written without asking whether it exists.
+    SimAudio sim({perChannel("bt", {true, false}), perChannel("mono", {true})});
     sim.audio.setVolume("bt", 0.25f);
-    const auto id = std::to_string(sim.idOf("bt"));
-    EXPECT_THAT(sim.calls({"set", "has"}),
-                ElementsAre("has " + id + " 'vmvc' outp 0 -> false", "has " + id + " 'volm' outp 1 -> true",
-                            "set " + id + " 'volm' outp 1 [4] 0.25 -> 0",
-                            "set " + id + " 'volm' outp 2 [4] 0.25 -> " +
-                                std::to_string(hal::kAudioHardwareIllegalOperationError)));
-    EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via VolumeScalar for bt: 0.25"));
-}
-
-TEST(Volume, ChannelTwoIsWrittenWithoutAskingWhetherItExists)
-{
-    auto mono = outputDevice("Mono", "mono");
-    mono.channelVolumes = {volumeControl()};
-    SimAudio sim({mono});
     sim.audio.setVolume("mono", 0.75f);
-    const auto id = std::to_string(sim.idOf("mono"));
-    EXPECT_THAT(sim.calls({"set"}), ElementsAre("set " + id + " 'volm' outp 1 [4] 0.75 -> 0",
-                                                "set " + id + " 'volm' outp 2 [4] 0.75 -> " +
-                                                    std::to_string(hal::kAudioHardwareUnknownPropertyError)));
-    EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via VolumeScalar for mono: 0.75"));
+    const auto bt = std::to_string(sim.idOf("bt"));
+    const auto mono = std::to_string(sim.idOf("mono"));
+    EXPECT_THAT(
+        sim.calls({"set", "has"}),
+        ElementsAre(
+            "has " + bt + " 'vmvc' outp 0 -> false", "has " + bt + " 'volm' outp 1 -> true",
+            "set " + bt + " 'volm' outp 1 [4] 0.25 -> 0",
+            "set " + bt + " 'volm' outp 2 [4] 0.25 -> " + std::to_string(hal::kAudioHardwareIllegalOperationError),
+            "has " + mono + " 'vmvc' outp 0 -> false", "has " + mono + " 'volm' outp 1 -> true",
+            "set " + mono + " 'volm' outp 1 [4] 0.75 -> 0",
+            "set " + mono + " 'volm' outp 2 [4] 0.75 -> " + std::to_string(hal::kAudioHardwareUnknownPropertyError)));
+    EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via VolumeScalar for bt: 0.25",
+                                               "✅ Volume set via VolumeScalar for mono: 0.75"));
 }
 
-TEST(Volume, RefusingEveryControlFallsBackToSoftwareVolume)
+TEST(Volume, RefusingEveryControlOrHavingNoneFallsBackToSoftwareVolume)
 {
     auto stubborn = virtualMain("stubborn", false);
     stubborn.channelVolumes = {volumeControl(false), volumeControl(false)};
     stubborn.mainVolume = volumeControl(false);
-    SimAudio sim({stubborn});
+    SimAudio sim({stubborn, outputDevice("HDMI", "hdmi", hal::kAudioDeviceTransportTypeHDMI)});
     sim.audio.setVolume("stubborn", 0.3f);
     EXPECT_EQ(sim.printed.lines, softwareLines("stubborn", "0.3"));
-    EXPECT_THAT(sim.calls({"set"}).size(), 4u);
-    EXPECT_FALSE(sim.audio.deviceSupportsHardwareVolume().at("stubborn"));
-}
-
-TEST(Volume, NoControlRecordsASoftwareVolumeAndChangesNothingAudible)
-{
-    SimAudio sim({outputDevice("HDMI", "hdmi", hal::kAudioDeviceTransportTypeHDMI)});
+    EXPECT_EQ(sim.calls({"set"}).size(), 4u);
+    sim.reset();
     sim.audio.setVolume("hdmi", 0.8f);
     EXPECT_EQ(sim.printed.lines, softwareLines("hdmi", "0.8"));
-    EXPECT_EQ(sim.audio.softwareVolumes().at("hdmi"), 0.8f);
-    EXPECT_FALSE(sim.audio.deviceSupportsHardwareVolume().at("hdmi"));
     EXPECT_THAT(sim.calls({"set"}), IsEmpty());
+    EXPECT_EQ(sim.audio.softwareVolumes().at("hdmi"), 0.8f);
+    EXPECT_FALSE(sim.audio.deviceSupportsHardwareVolume().at("stubborn"));
+    EXPECT_FALSE(sim.audio.deviceSupportsHardwareVolume().at("hdmi"));
 }
 
-TEST(Volume, SetsEveryDeviceThatSharesTheUID)
+TEST(Volume, SetsEveryDeviceThatSharesTheUIDAndNoneForAnUnknownOne)
 {
-    SimAudio sim({virtualMain("twin"), mainElement("twin")});
+    auto main = outputDevice("Main", "twin", hal::kAudioDeviceTransportTypeUSB);
+    main.mainVolume = volumeControl();
+    SimAudio sim({virtualMain("twin"), main});
     sim.audio.setVolume("twin", 0.5f);
     EXPECT_THAT(sim.printed.lines, ElementsAre("✅ Volume set via VirtualMainVolume for twin: 0.5",
                                                "✅ Volume set via Master Volume for twin: 0.5"));
-}
-
-TEST(Volume, UnknownUIDDoesNothing)
-{
-    SimAudio sim({virtualMain("vm")});
-    sim.audio.setVolume("nobody", 0.5f);
-    EXPECT_THAT(sim.printed.lines, IsEmpty());
-    EXPECT_THAT(sim.calls({"set", "has"}), IsEmpty());
-    EXPECT_TRUE(sim.audio.softwareVolumes().empty());
-    EXPECT_TRUE(sim.audio.deviceSupportsHardwareVolume().empty());
+    SimAudio other({virtualMain("vm")});
+    other.audio.setVolume("nobody", 0.5f);
+    EXPECT_THAT(other.printed.lines, IsEmpty());
+    EXPECT_THAT(other.calls({"set", "has"}), IsEmpty());
+    EXPECT_TRUE(other.audio.softwareVolumes().empty());
+    EXPECT_TRUE(other.audio.deviceSupportsHardwareVolume().empty());
 }
 
 TEST(HardwareVolumeMemo, TheProbesGuessHoldsUntilTheFirstSetThenTheSetsOutcomeIsRemembered)
 {
     // A per-channel device is unsupported until a volume is set; a refusing virtual main
-    // volume is supported until then.
+    // volume is supported until then. An unknown UID is false, and probed again next time.
     SimAudio sim({perChannel("bt"), virtualMain("stubborn", false)});
     EXPECT_FALSE(sim.audio.supportsHardwareVolume("bt"));
     EXPECT_TRUE(sim.audio.supportsHardwareVolume("stubborn"));
+    EXPECT_FALSE(sim.audio.supportsHardwareVolume("later"));
+    EXPECT_EQ(sim.audio.deviceSupportsHardwareVolume().count("later"), 0u);
     sim.audio.setVolume("bt", 0.5f);
     sim.audio.setVolume("stubborn", 0.5f);
     sim.reset();
     EXPECT_TRUE(sim.audio.supportsHardwareVolume("bt"));
     EXPECT_FALSE(sim.audio.supportsHardwareVolume("stubborn"));
     EXPECT_THAT(sim.calls(), IsEmpty()); // answered from memory
-}
-
-TEST(HardwareVolumeMemo, UnknownUIDIsFalseAndProbedAgainNextTime)
-{
-    SimAudio sim({virtualMain("vm")});
-    EXPECT_FALSE(sim.audio.supportsHardwareVolume("later"));
-    EXPECT_TRUE(sim.audio.deviceSupportsHardwareVolume().empty());
     sim.system.addDevice(virtualMain("later"));
     EXPECT_TRUE(sim.audio.supportsHardwareVolume("later"));
 }

@@ -11,31 +11,29 @@
 
 namespace orvanta::testing {
 
-inline bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound = std::chrono::seconds(5))
+// Polls done() until it holds or the bound (in ms) passes, with pause() between two polls.
+inline bool pollUntil(const std::function<bool()>& done, qint64 bound, const std::function<void()>& pause)
 {
     QElapsedTimer clock;
     clock.start();
     while (!done()) {
-        if (clock.elapsed() > bound.count()) {
+        if (clock.elapsed() > bound) {
             return false;
         }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        pause();
     }
     return true;
+}
+
+inline bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound = std::chrono::seconds(5))
+{
+    return pollUntil(done, bound.count(), [] { QCoreApplication::processEvents(QEventLoop::AllEvents, 10); });
 }
 
 // Waits, without an event loop, until a condition holds or a bound passes (in ms).
 inline bool eventually(const std::function<bool()>& done, int milliseconds = 5000)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > milliseconds) {
-            return false;
-        }
-        QThread::msleep(10);
-    }
-    return true;
+    return pollUntil(done, milliseconds, [] { QThread::msleep(10); });
 }
 
 // Lets queued work run without waiting for anything in particular.

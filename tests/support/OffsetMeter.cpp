@@ -3,13 +3,16 @@
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <pulse/simple.h>
+
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <numbers>
 
 namespace orvanta::testing {
-
 namespace {
 
 constexpr float kClickAmplitude = 0.7f;
@@ -56,6 +59,77 @@ std::optional<std::pair<long, long>> soundingSpan(const Samples& recording, int 
         return std::nullopt;
     }
     return std::make_pair(first, last);
+}
+
+constexpr double kToneSeconds = 1.6;
+// The level is read over this stretch, after the members have settled.
+constexpr long kLevelSettleFrames = kMeterRate * 3 / 10;
+constexpr long kWindowFrames = kMeterRate / 2;
+constexpr float kHeard = 0.002f;
+
+// The RMS of a channel over the window that starts kLevelSettleFrames after it is first heard.
+std::optional<double> rms(const Samples& recording, int channel)
+{
+    const long frames = static_cast<long>(recording.size() / kMeterChannels);
+    const auto at = [&](long frame) {
+        return static_cast<double>(recording[static_cast<std::size_t>(frame * kMeterChannels + channel)]);
+    };
+    long first = 0;
+    while (first < frames && std::abs(at(first)) <= static_cast<double>(kHeard)) {
+        ++first;
+    }
+    const long start = first + kLevelSettleFrames;
+    if (start + kWindowFrames > frames) {
+        return std::nullopt;
+    }
+    double sum = 0.0;
+    for (long frame = start; frame < start + kWindowFrames; ++frame) {
+        sum += at(frame) * at(frame);
+    }
+    return std::sqrt(sum / static_cast<double>(kWindowFrames));
+}
+
+constexpr std::size_t kChunkFrames = kMeterRate / 100;
+
+struct SimpleDeleter
+{
+    void operator()(pa_simple* stream) const { pa_simple_free(stream); }
+};
+using Stream = std::unique_ptr<pa_simple, SimpleDeleter>;
+
+Stream openStream(const SoundServer& server, const char* sink)
+{
+    const pa_sample_spec spec{PA_SAMPLE_FLOAT32LE, kMeterRate, 2};
+    pa_buffer_attr attributes{};
+    attributes.maxlength = static_cast<std::uint32_t>(-1);
+    attributes.tlength = static_cast<std::uint32_t>(kMeterRate / 20 * 2 * sizeof(float)); // 50 ms
+    attributes.prebuf = static_cast<std::uint32_t>(-1);
+    attributes.minreq = static_cast<std::uint32_t>(-1);
+    attributes.fragsize = static_cast<std::uint32_t>(-1);
+    int error = 0;
+    return Stream(pa_simple_new(server.serverAddress().toUtf8().constData(), "latency probe", PA_STREAM_PLAYBACK, sink,
+                                "probe", &spec, nullptr, &attributes, &error));
+}
+
+bool write(pa_simple* stream, const Samples& chunk)
+{
+    int error = 0;
+    return pa_simple_write(stream, chunk.data(), chunk.size() * sizeof(float), &error) == 0;
+}
+
+std::optional<double> toldLatencyMs(pa_simple* stream)
+{
+    int error = 0;
+    const pa_usec_t latency = pa_simple_get_latency(stream, &error);
+    if (latency == static_cast<pa_usec_t>(-1)) {
+        return std::nullopt;
+    }
+    return static_cast<double>(latency) / 1000.0;
+}
+
+bool cleanTone(const ToneCheck& tone)
+{
+    return tone.longestGapMs < 1.0 && tone.largestStep <= tone.toneStep * 1.05 && tone.finiteWithinScale;
 }
 
 } // namespace
@@ -232,15 +306,6 @@ std::optional<double> measureOffsetMs(const SoundServer& server)
     return static_cast<double>(a.front() - b.front()) * 1000.0 / kMeterRate;
 }
 
-namespace {
-
-bool cleanTone(const ToneCheck& tone)
-{
-    return tone.longestGapMs < 1.0 && tone.largestStep <= tone.toneStep * 1.05 && tone.finiteWithinScale;
-}
-
-} // namespace
-
 std::optional<ToneCheck> changedMemberTone(const SoundServer& server, double seconds,
                                            const std::function<void()>& changes)
 {
@@ -271,6 +336,72 @@ std::optional<double> longestSilenceMs(const SoundServer& server, const std::fun
         return std::nullopt;
     }
     return tone->longestGapMs;
+}
+
+std::optional<MemberLevels> measureMemberLevels(const SoundServer& server)
+{
+    Recorder recorder(server);
+    Player player(server, toneTrack(kToneSeconds));
+    if (!recorder.started() || !player.waitUntilDone()) {
+        return std::nullopt;
+    }
+    // The longest member delay of the rig and some slack.
+    const auto recording = recorder.stop(1200);
+    const auto primary = rms(recording, kMemberA);
+    const auto secondary = rms(recording, kMemberB);
+    if (!primary || !secondary) {
+        return std::nullopt;
+    }
+    return MemberLevels{*primary, *secondary};
+}
+
+std::optional<LatencyProbe> probeLatency(const SoundServer& server)
+{
+    Recorder recorder(server);
+    Stream stacked = openStream(server, "com.quellon.stacked");
+    Stream reference = openStream(server, "ref");
+    if (!recorder.started() || !stacked || !reference) {
+        return std::nullopt;
+    }
+    const Samples silence(kChunkFrames * 2, 0.0f);
+    Samples click = clickTrack(static_cast<double>(kChunkFrames) / kMeterRate, {0.0});
+    // A second of silence first, so both streams play steadily before the click.
+    for (int i = 0; i < 100; ++i) {
+        if (!write(stacked.get(), silence) || !write(reference.get(), silence)) {
+            return std::nullopt;
+        }
+    }
+    LatencyProbe probe;
+    using Clock = std::chrono::steady_clock;
+    const auto stackedTold = toldLatencyMs(stacked.get());
+    const auto stackedWrite = Clock::now();
+    const bool stackedWritten = write(stacked.get(), click);
+    const auto referenceTold = toldLatencyMs(reference.get());
+    const auto referenceWrite = Clock::now();
+    const bool referenceWritten = write(reference.get(), click);
+    for (int i = 0; i < 100; ++i) {
+        write(stacked.get(), silence);
+        write(reference.get(), silence);
+    }
+    int error = 0;
+    pa_simple_drain(stacked.get(), &error);
+    pa_simple_drain(reference.get(), &error);
+    const auto recording = recorder.stop(1000);
+    if (!stackedTold || !referenceTold || !stackedWritten || !referenceWritten) {
+        return std::nullopt;
+    }
+    probe.toldStackedMs = *stackedTold;
+    probe.toldReferenceMs = *referenceTold;
+    probe.writeGapMs = std::chrono::duration<double, std::milli>(referenceWrite - stackedWrite).count();
+    const auto a = clickOnsets(recording, kMemberA);
+    const auto b = clickOnsets(recording, kMemberB);
+    const auto ref = clickOnsets(recording, kReference);
+    if (a.size() != 1 || b.size() != 1 || ref.size() != 1) {
+        return std::nullopt;
+    }
+    probe.stackedClick = std::max(a.front(), b.front());
+    probe.referenceClick = ref.front();
+    return probe;
 }
 
 } // namespace orvanta::testing

@@ -11,7 +11,6 @@
 #include <QTemporaryFile>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -83,15 +82,35 @@ std::optional<ToneCheck> checkTone(const Samples& recording, int channel);
 // Plays a click into the stacked device: the time mA plays it minus the time mB does, in ms.
 std::optional<double> measureOffsetMs(const SoundServer& server);
 
-// Plays a tone of the given length into the stacked device while changes runs; the changes move
-// only mA's hold-back (mB declares the delays). mB hears the player unchanged, so it tells
-// whether the machine itself stumbled (a player or the server missing a cycle under load): such
-// a run says nothing about the changes and is played again, up to three times. Gives how mA's
-// tone came through in an undisturbed run, or nothing.
+// Plays a tone into the stacked device while changes (to mA's hold-back only) run. mB hears the
+// player unchanged, so it tells whether the loaded machine itself stumbled: such a run is played
+// again, up to three times. Gives how mA's tone came through in an undisturbed run, or nothing.
 std::optional<ToneCheck> changedMemberTone(const SoundServer& server, double seconds,
                                            const std::function<void()>& changes);
 
 // The longest stretch, in ms, in which mA fell silent when change ran a second into a tone.
 std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change);
+
+// How loud each member plays a steady tone: the RMS of mA's and mB's left channels, at full scale 1.
+struct MemberLevels
+{
+    double primary = 0.0;
+    double secondary = 0.0;
+};
+std::optional<MemberLevels> measureMemberLevels(const SoundServer& server);
+
+// What a player is told about latency, against what it gets. One thread plays the same sound through
+// two libpulse streams, into the stacked device and into "ref", and asks each for its latency (as
+// video players do) just before writing a click into it; both clicks are timed by the one clock.
+struct LatencyProbe
+{
+    double toldStackedMs = 0;   // what the stream into the stacked device was told
+    double toldReferenceMs = 0; // what the stream into "ref" was told
+    double writeGapMs = 0;      // how much later the click went to ref than to the stacked device
+    long stackedClick = -1;     // the frame at which the later member played the click
+    long referenceClick = -1;   // the frame at which ref played it
+};
+// Null when a stream could not play or a click was not heard.
+std::optional<LatencyProbe> probeLatency(const SoundServer& server);
 
 } // namespace orvanta::testing

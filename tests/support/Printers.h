@@ -6,7 +6,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-#include <QStringView>
 #include <QUrl>
 #include <QVariant>
 
@@ -17,11 +16,6 @@ QT_BEGIN_NAMESPACE
 inline void PrintTo(const QString& text, std::ostream* out)
 {
     *out << '"' << text.toStdString() << '"';
-}
-
-inline void PrintTo(QStringView text, std::ostream* out)
-{
-    PrintTo(text.toString(), out);
 }
 
 inline void PrintTo(const QStringList& texts, std::ostream* out)

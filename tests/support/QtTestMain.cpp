@@ -1,8 +1,6 @@
-// GoogleTest's main inside a Qt application object, so that timers, queued calls and network
-// replies run in tests. The test target chooses the application with a definition:
-// ORVANTA_TEST_WIDGETS, a QApplication (on the offscreen platform unless QT_QPA_PLATFORM names
-// another); ORVANTA_TEST_XVFB, a QGuiApplication on a private X display that it starts and ends;
-// neither, a QCoreApplication.
+// GoogleTest's main inside a Qt application, so that timers, queued calls and network replies run:
+// with ORVANTA_TEST_WIDGETS a QApplication (offscreen unless QT_QPA_PLATFORM says otherwise), with
+// ORVANTA_TEST_XVFB a QGuiApplication on a private X display it starts, else a QCoreApplication.
 
 #include <gtest/gtest.h>
 

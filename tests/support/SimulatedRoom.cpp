@@ -5,24 +5,22 @@
 #include <random>
 
 namespace orvanta::testing {
-
 namespace {
 
-constexpr float kNoiseRms = 0.003f;
-// Long enough for any one test; a test that runs longer measures in the quiet.
-constexpr double kNoiseSeconds = 60.0;
-} // namespace
-
-Samples roomNoise(double seconds)
+// Steady noise, about 40 dB below the test sounds' level, long enough for any one test; a test
+// that runs longer measures in the quiet.
+Samples roomNoise()
 {
-    Samples samples(static_cast<std::size_t>(seconds * kMeterRate) * 2);
+    Samples samples(static_cast<std::size_t>(60.0 * kMeterRate) * 2);
     std::mt19937 random(3);
-    std::normal_distribution<float> noise(0.0f, kNoiseRms);
+    std::normal_distribution<float> noise(0.0f, 0.003f);
     for (auto& sample : samples) {
         sample = noise(random);
     }
     return samples;
 }
+
+} // namespace
 
 bool SimulatedRoom::build(int primaryMs, int secondaryMs)
 {
@@ -46,7 +44,7 @@ bool SimulatedRoom::build(int primaryMs, int secondaryMs)
             return false;
         }
     }
-    noise = std::make_unique<Player>(server, roomNoise(kNoiseSeconds), "room");
+    noise = std::make_unique<Player>(server, roomNoise(), "room");
     return noise->started();
 }
 

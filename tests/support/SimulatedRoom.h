@@ -1,10 +1,8 @@
 #pragma once
 
-// A room on a private sound server, for measuring with a microphone: two speakers, the sinks
-// "mA" and "mB", each heard in the sink "room" through a loopback with its own latency, with
-// noise playing in the room all along. The room's monitor ("room.monitor") is the microphone.
-// What the room hears is more than the loopbacks' latencies: the sound system may add a cycle
-// on one speaker's way, as real devices add their own; clickLatenessMs() tells the truth.
+// A room for measuring with a microphone: the speakers "mA" and "mB" heard in the sink "room", with
+// noise, through loopbacks of their own latencies; "room.monitor" is the microphone. The sound system
+// may add a cycle on one speaker's way, as real devices add their own: clickLatenessMs() tells the truth.
 
 #include "support/OffsetMeter.h"
 #include "support/SoundServer.h"
@@ -26,10 +24,8 @@ public:
     bool build(int primaryMs, int secondaryMs);
     // The room no longer hears a speaker (0 primary, 1 secondary).
     bool silence(int speaker);
-    // How much later the room hears the primary speaker than the secondary one, found without
-    // the measurement under test: a click played into the stacked device, whose primary member
-    // is held back by holdBackMs (enough to hear the secondary's click first, and apart), timed
-    // by its onsets in the room.
+    // How much later the room hears the primary speaker than the secondary, from a click played into
+    // the stacked device with the primary held back by holdBackMs (so that the two clicks come apart).
     std::optional<double> clickLatenessMs(int holdBackMs) const;
 
 private:
@@ -37,8 +33,5 @@ private:
     std::array<long long, 2> loopbacks{-1, -1};
     std::unique_ptr<Player> noise;
 };
-
-// Steady noise, about 40 dB below the test sounds' level, for `seconds`.
-Samples roomNoise(double seconds);
 
 } // namespace orvanta::testing

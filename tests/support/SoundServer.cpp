@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <functional>
@@ -19,11 +20,9 @@
 namespace orvanta::testing {
 namespace {
 
-// The session manager's own settings for a private server, read before the system's. WirePlumber
-// 0.4 starts its Bluetooth monitor with logind seat tracking, which fails and takes the whole
-// session manager down where logind does not run (a container, a chroot, a minimal CI machine):
-// then nothing ever picks a default sink. A private test server has no Bluetooth devices to
-// offer anyway, so the monitor stays off; the default-node policy is untouched.
+// Read before the system's settings. WirePlumber 0.4's Bluetooth monitor tracks logind seats, and
+// where logind does not run (a container, a minimal CI machine) that takes the whole session manager
+// down, so that nothing picks a default sink. A test server has no Bluetooth devices anyway.
 constexpr char kNoBluetoothMonitor[] =
     "-- A private test server: no Bluetooth monitor, and so no logind seat tracking.\n"
     "bluez_monitor.enabled = false\n";
@@ -88,8 +87,7 @@ QString logName(const QProcess& process)
 SoundServer::SoundServer(Kind kind) : serverKind(kind)
 {
     QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    writeFile(runtime.path() + "/config/wireplumber/bluetooth.lua.d/80-no-bluetooth-monitor.lua",
-              kNoBluetoothMonitor);
+    writeFile(runtime.path() + "/config/wireplumber/bluetooth.lua.d/80-no-bluetooth-monitor.lua", kNoBluetoothMonitor);
     qputenv("PULSE_SERVER", serverAddress().toUtf8());
     // This process's own PipeWire clients find this server's daemon, and only it.
     qputenv("PIPEWIRE_RUNTIME_DIR", runtime.path().toUtf8());
@@ -243,9 +241,8 @@ bool SoundServer::failed(const QString& why) const
     }
     for (QProcess* process : launched) {
         QFile log(runtime.path() + "/" + logName(*process));
-        const QString state = exited(*process)
-                                  ? QString("exited with %1").arg(process->exitCode())
-                                  : QString("running");
+        const QString state =
+            exited(*process) ? QString("exited with %1").arg(process->exitCode()) : QString("running");
         qWarning().noquote() << "---" << process->program() << state << "; its output:";
         if (log.open(QIODevice::ReadOnly)) {
             qWarning().noquote() << QString::fromUtf8(log.readAll().right(4000));
@@ -309,6 +306,28 @@ long long SoundServer::loadModule(const QString& name, const QStringList& argume
     bool ok = false;
     const long long index = output.trimmed().toLongLong(&ok);
     return ok ? index : -1;
+}
+
+QStringList SoundServer::pactlLines(const QString& list, const QString& text) const
+{
+    return pactl({"list", "short", list}).split('\n').filter(text);
+}
+
+QStringList SoundServer::modules(const QString& text) const
+{
+    QStringList found;
+    for (const auto& line : pactlLines("modules", text)) {
+        found << line.section('\t', 2).trimmed();
+    }
+    found.sort();
+    return found;
+}
+
+int SoundServer::sinksNamed(const QString& name) const
+{
+    const auto lines = pactlLines("sinks", name);
+    return static_cast<int>(std::count_if(lines.begin(), lines.end(),
+                                          [&name](const QString& line) { return line.section('\t', 1, 1) == name; }));
 }
 
 } // namespace orvanta::testing

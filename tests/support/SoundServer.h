@@ -1,10 +1,8 @@
 #pragma once
 
-// A private sound server for one test: PulseAudio 16, or PipeWire with its pulse server (and
-// the session bus and session manager it needs), each in its own runtime, configuration and
-// state directories, with PULSE_SERVER pointed at it for this process. Needs no system service
-// (no system bus, no logind), so it runs in a container or a bare root as well. Torn down when
-// the object goes; its processes also end if the test process dies first.
+// A private sound server for one test: PulseAudio 16, or PipeWire with its pulse server, session bus
+// and session manager, in directories of its own, with PULSE_SERVER pointed at it. Needs no system
+// service (no system bus, no logind); its processes end with the object or with the test process.
 
 #include <QProcess>
 #include <QString>
@@ -42,11 +40,20 @@ public:
     QString pactl(const QStringList& arguments) const;
     // Loads a module with pactl, one argument per entry; gives its index, or -1.
     long long loadModule(const QString& name, const QStringList& arguments) const;
+    // The sorted arguments of the modules whose line holds text; the index of the first one.
+    QStringList modules(const QString& text) const;
+    QString moduleLoading(const QString& text) const
+    {
+        return pactlLines("modules", text).value(0).section('\t', 0, 0);
+    }
+    int sinksNamed(const QString& name) const;
+    QString defaultSink() const { return pactl({"get-default-sink"}).trimmed(); }
     QString serverAddress() const;
     Kind kind() const { return serverKind; }
     static const char* name(Kind kind);
 
 private:
+    QStringList pactlLines(const QString& list, const QString& text) const;
     std::unique_ptr<QProcess> spawn(const QString& program, const QStringList& arguments) const;
     QProcess* launch(const QString& program, const QStringList& arguments);
     bool startSessionBus();

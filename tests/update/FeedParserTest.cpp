@@ -5,7 +5,7 @@
 namespace orvanta::update {
 namespace {
 
-TEST(UpdateFeedParser, ReadsTheThreeStringMembersWhateverElseTheObjectHolds)
+TEST(UpdateFeedParser, ReadsTheThreeStringMembersWhateverElseTheObjectHoldsAndBoundsTheVersion)
 {
     EXPECT_EQ(parseFeed(R"({"version":"1.4.2","download_url":"https://orvanta.example/get","release_notes":"Fixes."})"),
               (Feed{"1.4.2", "https://orvanta.example/get", "Fixes."}));
@@ -16,10 +16,7 @@ TEST(UpdateFeedParser, ReadsTheThreeStringMembersWhateverElseTheObjectHolds)
     EXPECT_EQ(*feed,
               (Feed{"2.0", "https://orvanta.example/get?a=1&b=2", QStringLiteral("Line one\nLine \"two\" \u00e9")}));
     EXPECT_EQ(parseFeed(R"({"version":"","download_url":"","release_notes":""})"), Feed{});
-}
-
-TEST(UpdateFeedParser, AVersionIsBoundedInLength)
-{
+    // A version is bounded in length.
     const auto feedWithVersion = [](const QByteArray& version) {
         return parseFeed(R"({"version":")" + version + R"(","download_url":"u","release_notes":"n"})");
     };

@@ -42,8 +42,7 @@ public:
     QUrl url(const QString& path) const;
     void setRoute(const QByteArray& path, Route route) { routes.insert(path, std::move(route)); }
 
-    // Paths of the requests read so far, in order.
-    const QList<QByteArray>& requests() const { return requestPaths; }
+    // How many requests for path were read so far.
     int requestCount(const QByteArray& path) const { return static_cast<int>(requestPaths.count(path)); }
     int connectionCount() const { return connections; }
 

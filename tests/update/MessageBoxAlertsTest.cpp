@@ -18,6 +18,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDesktopServices>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -35,39 +36,30 @@ namespace {
 class DialogWatcher
 {
 public:
-    explicit DialogWatcher(std::function<void(QMessageBox*)> onOpen) : act(std::move(onOpen))
+    explicit DialogWatcher(std::function<void(QMessageBox*)> act)
     {
-        QObject::connect(&poll, &QTimer::timeout, [this] {
-            QMessageBox* box = openMessageBox();
-            if (box != nullptr && !box->property("watched").toBool()) {
-                box->setProperty("watched", true);
-                act(box);
-            }
-        });
-        QObject::connect(&limit, &QTimer::timeout, [] {
-            while (QMessageBox* box = openMessageBox()) {
-                ADD_FAILURE() << "a dialog stayed open: " << box->text().toStdString();
-                box->close();
+        QObject::connect(&poll, &QTimer::timeout, [this, act = std::move(act)] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                auto* box = qobject_cast<QMessageBox*>(widget);
+                if (box == nullptr || !box->isVisible()) {
+                    continue;
+                }
+                if (clock.hasExpired(10'000)) {
+                    ADD_FAILURE() << "a dialog stayed open: " << box->text().toStdString();
+                    box->close();
+                } else if (!box->property("watched").toBool()) {
+                    box->setProperty("watched", true);
+                    act(box);
+                }
             }
         });
         poll.start(10);
-        limit.start(10'000);
+        clock.start();
     }
 
 private:
-    static QMessageBox* openMessageBox()
-    {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (auto* box = qobject_cast<QMessageBox*>(widget); box != nullptr && box->isVisible()) {
-                return box;
-            }
-        }
-        return nullptr;
-    }
-
-    std::function<void(QMessageBox*)> act;
     QTimer poll;
-    QTimer limit;
+    QElapsedTimer clock;
 };
 
 QAbstractButton* buttonTitled(QMessageBox* box, const QString& title)
@@ -132,12 +124,9 @@ TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
     MessageBoxAlerts alerts;
     sim::SimulatedWorkspace workspace;
     sim::SimulatedBundleInfo bundle{QStringLiteral("1.4.1")};
-    services::PlatformServices services;
-    services.http = &http;
-    services.alerts = &alerts;
-    services.workspace = &workspace;
-    services.bundle = &bundle;
-    update::UpdateChecker checker({}, services, server.url("/feed.json"));
+    update::UpdateChecker checker(
+        {}, services::PlatformServices{.http = &http, .alerts = &alerts, .workspace = &workspace, .bundle = &bundle},
+        server.url("/feed.json"));
 
     QList<QStringList> seen;
     DialogWatcher watcher([&](QMessageBox* box) {

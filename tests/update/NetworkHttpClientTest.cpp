@@ -41,9 +41,9 @@ protected:
     }
 
     // The body of a transfer that succeeded, or the reason it failed.
-    QByteArray outcome(const QByteArray& path, NetworkHttpClient* through = nullptr)
+    QByteArray outcome(const QByteArray& path, NetworkHttpClient& through)
     {
-        const auto response = fetch(through ? *through : client, server.url(path));
+        const auto response = fetch(through, server.url(path));
         if (!response) {
             return "<no response>";
         }
@@ -55,17 +55,61 @@ protected:
 
     LoopbackServer server;
     NetworkHttpClient client{HttpLimits{10s}};
+    NetworkHttpClient small{HttpLimits{10s, 16}};
+    NetworkHttpClient impatient{HttpLimits{400ms}};
 };
 
-TEST_F(UpdateNetworkHttpClient, DeliversBodyAndStatusAndAnErrorStatusIsNoTransferError)
+TEST_F(UpdateNetworkHttpClient, GivesBodyAndStatusOrFailsForEachWayAServerAnswers)
 {
-    server.setRoute("/feed.json", Route::reply(200, R"({"version":"1.0"})"));
-    server.setRoute("/missing", Route::reply(404, "<html>Not Found</html>", "text/html"));
-    server.setRoute("/broken", Route::reply(500, "{}"));
-    EXPECT_EQ(outcome("/feed.json"), R"(200 {"version":"1.0"})");
-    EXPECT_EQ(outcome("/missing"), "404 <html>Not Found</html>");
-    EXPECT_EQ(outcome("/broken"), "500 {}");
-    EXPECT_EQ(server.requests(), (QList<QByteArray>{"/feed.json", "/missing", "/broken"}));
+    // The https target is a listening server: the client must not even connect to it.
+    LoopbackServer target;
+    const QByteArray https = target.url("/feed.json").toEncoded().replace("http:", "https:");
+    Route first = Route::redirect(server.url("/late").toEncoded());
+    first.delay = 250ms;
+    Route late = Route::reply(200, "late");
+    late.delay = 250ms;
+    const QByteArray mib(kMiB, 'x');
+    struct Row
+    {
+        QByteArray path;
+        Route route;
+        NetworkHttpClient& through;
+        QByteArray outcome;
+    };
+    const Row rows[]{
+        // An error status is no transfer error.
+        {"/feed.json", Route::reply(200, R"({"version":"1.0"})"), client, R"(200 {"version":"1.0"})"},
+        {"/missing", Route::reply(404, "<html>Not Found</html>", "text/html"), client, "404 <html>Not Found</html>"},
+        {"/broken", Route::reply(500, "{}"), client, "500 {}"},
+        // A body over the limit fails, whether declared or found out while reading; so does one cut short.
+        {"/limit", Route::reply(200, mib), client, "200 " + mib},
+        {"/limit-streamed", Route::untilClose(mib), client, "200 " + mib},
+        {"/declared", Route::reply(200, mib + ' '), client, "<failed>"},
+        {"/streamed", Route::untilClose(mib + ' '), client, "<failed>"},
+        {"/16", Route::untilClose(QByteArray(16, 'a')), small, "200 " + QByteArray(16, 'a')},
+        {"/17", Route::untilClose(QByteArray(17, 'a')), small, "<failed>"},
+        {"/short", {.response = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\":"}, client, "<failed>"},
+        // A redirect is followed only when it keeps the scheme.
+        {"/old", Route::redirect(server.url("/new").toEncoded()), client, "200 moved"},
+        {"/relative", Route::redirect("/new", 301), client, "200 moved"},
+        {"/to-https", Route::redirect(https), client, "<failed>"},
+        {"/to-ftp", Route::redirect("ftp://127.0.0.1/feed.json"), client, "<failed>"},
+        {"/to-file", Route::redirect("file:///etc/hostname"), client, "<failed>"},
+        // The deadline covers the whole transfer: a silent server, and the time before a redirect too.
+        {"/silent", {.response = {}, .answer = false}, impatient, "<failed>"},
+        {"/first", first, impatient, "<failed>"},
+    };
+    server.setRoute("/new", Route::reply(200, "moved"));
+    server.setRoute("/late", late);
+    for (const auto& row : rows) {
+        server.setRoute(row.path, row.route);
+    }
+    for (const auto& row : rows) {
+        EXPECT_EQ(outcome(row.path, row.through), row.outcome) << row.path.constData();
+    }
+    EXPECT_EQ(server.requestCount("/silent"), 1);
+    runUntil([] { return false; }, 50ms);
+    EXPECT_EQ(target.connectionCount(), 0);
 }
 
 TEST_F(UpdateNetworkHttpClient, HandlesTheResponseOffTheMainThreadAndContinuesOnIt)
@@ -82,65 +126,6 @@ TEST_F(UpdateNetworkHttpClient, HandlesTheResponseOffTheMainThreadAndContinuesOn
     EXPECT_NE(handlerThread, nullptr);
     EXPECT_NE(handlerThread, QCoreApplication::instance()->thread());
     EXPECT_EQ(continuationThread, QCoreApplication::instance()->thread());
-}
-
-TEST_F(UpdateNetworkHttpClient, ABodyOverTheLimitFailsWhetherDeclaredOrFoundOutWhileReading)
-{
-    NetworkHttpClient small{HttpLimits{10s, 16}};
-    server.setRoute("/limit", Route::reply(200, QByteArray(kMiB, 'x')));
-    server.setRoute("/limit-streamed", Route::untilClose(QByteArray(kMiB, 'x')));
-    server.setRoute("/declared", Route::reply(200, QByteArray(kMiB + 1, ' ')));
-    server.setRoute("/streamed", Route::untilClose(QByteArray(kMiB + 1, ' ')));
-    server.setRoute("/16", Route::untilClose(QByteArray(16, 'a')));
-    server.setRoute("/17", Route::untilClose(QByteArray(17, 'a')));
-    EXPECT_EQ(outcome("/limit"), "200 " + QByteArray(kMiB, 'x'));
-    EXPECT_EQ(outcome("/limit-streamed"), "200 " + QByteArray(kMiB, 'x'));
-    EXPECT_EQ(outcome("/declared"), "<failed>");
-    EXPECT_EQ(outcome("/streamed"), "<failed>");
-    EXPECT_EQ(outcome("/16", &small), "200 " + QByteArray(16, 'a'));
-    EXPECT_EQ(outcome("/17", &small), "<failed>");
-}
-
-TEST_F(UpdateNetworkHttpClient, ABodyCutShortFails)
-{
-    server.setRoute("/short", {.response = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\":"});
-    EXPECT_EQ(outcome("/short"), "<failed>");
-}
-
-TEST_F(UpdateNetworkHttpClient, FollowsARedirectThatKeepsTheSchemeAndRefusesOneThatDoesNot)
-{
-    // The https target is a listening server: the client must not even connect to it.
-    LoopbackServer target;
-    const QByteArray https = target.url("/feed.json").toEncoded().replace("http:", "https:");
-    server.setRoute("/old", Route::redirect(server.url("/new").toEncoded()));
-    server.setRoute("/relative", Route::redirect("/new", 301));
-    server.setRoute("/new", Route::reply(200, "moved"));
-    server.setRoute("/to-https", Route::redirect(https));
-    server.setRoute("/to-ftp", Route::redirect("ftp://127.0.0.1/feed.json"));
-    server.setRoute("/to-file", Route::redirect("file:///etc/hostname"));
-    EXPECT_EQ(outcome("/old"), "200 moved");
-    EXPECT_EQ(outcome("/relative"), "200 moved");
-    for (const QByteArray path : {"/to-https", "/to-ftp", "/to-file"}) {
-        EXPECT_EQ(outcome(path), "<failed>") << path.constData();
-    }
-    runUntil([] { return false; }, 50ms);
-    EXPECT_EQ(target.connectionCount(), 0);
-}
-
-TEST_F(UpdateNetworkHttpClient, TheDeadlineCoversTheWholeTransfer)
-{
-    // A silent server; and a redirect to a late answer, where the time before the redirect counts too.
-    NetworkHttpClient impatient{HttpLimits{400ms}};
-    Route first = Route::redirect(server.url("/late").toEncoded());
-    first.delay = 250ms;
-    Route late = Route::reply(200, "late");
-    late.delay = 250ms;
-    server.setRoute("/silent", {.response = {}, .answer = false});
-    server.setRoute("/first", first);
-    server.setRoute("/late", late);
-    EXPECT_EQ(outcome("/silent", &impatient), "<failed>");
-    EXPECT_EQ(outcome("/first", &impatient), "<failed>");
-    EXPECT_EQ(server.requestCount("/silent"), 1);
 }
 
 TEST_F(UpdateNetworkHttpClient, RefusesAddressesThatAreNotWebAddressesAndClosedPorts)
@@ -163,8 +148,6 @@ TEST_F(UpdateNetworkHttpClient, ManyRequestsAtOnceEachGetTheirOwnResponse)
     QHash<int, QByteArray> bodies;
     for (int index = 0; index < 8; ++index) {
         server.setRoute("/item/" + QByteArray::number(index), Route::reply(200, QByteArray::number(index * index)));
-    }
-    for (int index = 0; index < 8; ++index) {
         client.get(server.url(QStringLiteral("/item/%1").arg(index)),
                    [&bodies, index](const HttpResponse& response) { bodies.insert(index, response.body); });
     }

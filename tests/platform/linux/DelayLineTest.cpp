@@ -77,25 +77,28 @@ TEST(DelayLine, FramesFromBeforeTheFirstSoundAreSilence)
     }
 }
 
-TEST(DelayLine, AChangeCrossfadesWithoutAStepLargerThanTheSignalsOwn)
+// Each change crossfades, never stepping further than the tone itself does between two samples, and
+// the tap settles exactly on the last hold-back set.
+void expectSmoothAndSettled(const std::vector<float>& out, const DelayTap& tap, std::uint32_t last)
 {
-    DelayLine line;
-    DelayTap tap;
-    const auto out = run(line, tap, 400, tone, [&](std::size_t cycle) {
-        if (cycle == 100) {
-            tap.setHoldBack(28800); // 600 ms
-        }
-        if (cycle == 200) {
-            tap.setHoldBack(1776); // 37 ms
-        }
-    });
     const double ownStep = 0.5 * 2.0 * std::numbers::pi * 440.0 / kRate;
     for (std::size_t frame = 1; frame < out.size(); ++frame) {
         ASSERT_LE(std::abs(out[frame] - out[frame - 1]), ownStep * 1.05) << "frame " << frame;
     }
-    EXPECT_EQ(tap.currentHoldBack(), 1776u);
-    // Settled: exactly 37 ms behind the input.
-    EXPECT_NEAR(out.back(), tone(400 * kCycle - 1 - 1776), 1e-6);
+    EXPECT_EQ(tap.currentHoldBack(), last);
+    EXPECT_NEAR(out.back(), tone(out.size() - 1 - last), 1e-6);
+}
+
+TEST(DelayLine, AChangeCrossfadesWithoutAStepLargerThanTheSignalsOwnAndEndsExact)
+{
+    DelayLine line;
+    DelayTap tap;
+    const auto out = run(line, tap, 400, tone, [&](std::size_t cycle) {
+        if (cycle == 100 || cycle == 200) {
+            tap.setHoldBack(cycle == 100 ? 28800u : 1776u); // 600 ms, then 37 ms
+        }
+    });
+    expectSmoothAndSettled(out, tap, 1776);
 }
 
 TEST(DelayLine, ChangesFasterThanAFadeEndOnTheLastOneAndNeverJump)
@@ -110,39 +113,22 @@ TEST(DelayLine, ChangesFasterThanAFadeEndOnTheLastOneAndNeverJump)
             tap.setHoldBack(last);
         }
     });
-    const double ownStep = 0.5 * 2.0 * std::numbers::pi * 440.0 / kRate;
-    for (std::size_t frame = 1; frame < out.size(); ++frame) {
-        ASSERT_LE(std::abs(out[frame] - out[frame - 1]), ownStep * 1.05) << "frame " << frame;
-    }
-    EXPECT_EQ(tap.currentHoldBack(), last);
-    EXPECT_NEAR(out.back(), tone(600 * kCycle - 1 - last), 1e-6);
+    expectSmoothAndSettled(out, tap, last);
 }
 
-TEST(DelayLine, OutputIsFiniteAndWithinFullScaleWhateverComesIn)
+TEST(DelayLine, OutputIsFiniteAndWithinFullScaleWhateverComesInAndAHoldBackBeyondTheRingIsCut)
 {
     DelayLine line;
     DelayTap tap;
     const auto out = run(line, tap, 100, [](std::uint64_t frame) {
-        switch (frame % 4) {
-        case 0:
-            return std::numeric_limits<float>::quiet_NaN();
-        case 1:
-            return std::numeric_limits<float>::infinity();
-        case 2:
-            return 7.5f;
-        default:
-            return -3.0f;
-        }
+        constexpr float kWild[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                                   7.5f, -3.0f};
+        return kWild[frame % 4];
     });
     for (const float sample : out) {
         ASSERT_TRUE(std::isfinite(sample));
         ASSERT_LE(std::abs(sample), 1.0f);
     }
-}
-
-TEST(DelayLine, AHoldBackBeyondTheRingIsCut)
-{
-    DelayTap tap;
     tap.setHoldBack(10'000'000);
     EXPECT_EQ(tap.targetHoldBack(), DelayLine::kMaxHoldBackFrames);
 }

@@ -29,15 +29,6 @@ std::array<float, kCycle * kChannels> cycleOf(float value)
     return out;
 }
 
-TEST(ProbeCue, NothingIsPlayedWithoutAScript)
-{
-    ProbeCue cue;
-    cue.beginCycle(1000);
-    auto out = cycleOf(0.9f);
-    EXPECT_FALSE(cue.render("mA", 1000, out.data(), kCycle));
-    EXPECT_EQ(out, cycleOf(0.9f));
-}
-
 TEST(ProbeCue, EachMemberPlaysItsTrackFromTheFirstCycleThatSeesIt)
 {
     const auto script = twoMembers();
@@ -66,16 +57,20 @@ TEST(ProbeCue, EachMemberPlaysItsTrackFromTheFirstCycleThatSeesIt)
     EXPECT_EQ(after, cycleOf(0.9f));
 }
 
-TEST(ProbeCue, AStopCountsAtOnceEvenWithinACycle)
+TEST(ProbeCue, NothingIsPlayedWithoutAScriptOrAfterAStopEvenWithinACycle)
 {
     const auto script = twoMembers();
     ProbeCue cue;
-    cue.arm(&script);
-    cue.beginCycle(0);
-    cue.arm(nullptr);
-    auto out = cycleOf(0.9f);
-    EXPECT_FALSE(cue.render("mA", 0, out.data(), kCycle));
-    EXPECT_EQ(out, cycleOf(0.9f));
+    for (const bool stopped : {false, true}) {
+        if (stopped) {
+            cue.arm(&script);
+        }
+        cue.beginCycle(1000);
+        cue.arm(nullptr);
+        auto out = cycleOf(0.9f);
+        EXPECT_FALSE(cue.render("mA", 1000, out.data(), kCycle)) << stopped;
+        EXPECT_EQ(out, cycleOf(0.9f));
+    }
 }
 
 } // namespace

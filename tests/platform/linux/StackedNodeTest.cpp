@@ -4,8 +4,6 @@
 // that comes back.
 
 #include "support/EventLoop.h"
-#include "support/LatencyProbe.h"
-#include "support/LevelMeter.h"
 #include "support/OffsetMeter.h"
 
 #include "app/AudioBackend.h"
@@ -17,21 +15,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
+#include <algorithm>
+#include <vector>
+
 #include <QThread>
 
 #include <cstdlib>
-#include <functional>
 
 namespace orvanta::testing {
 namespace {
 
 constexpr double kExactMs = 0.1;
 
-class PipeWireRig
+class StackedNode : public ::testing::Test
 {
 protected:
-    void startRig()
+    void SetUp() override
     {
         server = std::make_unique<SoundServer>(SoundServer::Kind::PipeWire);
         ASSERT_TRUE(server->start());
@@ -45,20 +44,6 @@ protected:
         ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() >= 3; }, 5000));
     }
 
-    int sinksNamed(const QString& name) const
-    {
-        int count = 0;
-        for (const auto& line : server->pactl({"list", "short", "sinks"}).split('\n')) {
-            count += line.section('\t', 1, 1) == name ? 1 : 0;
-        }
-        return count;
-    }
-
-    QString moduleLoading(const QString& argument) const
-    {
-        return server->pactl({"list", "short", "modules"}).split('\n').filter(argument).value(0).section('\t', 0, 0);
-    }
-
     std::unique_ptr<SoundServer> server;
     app::AudioBackend backend;
     pipewire::PipeWireAudioHardware* node = nullptr;
@@ -66,18 +51,12 @@ protected:
     std::unique_ptr<audio::AudioWrapper> audio;
 };
 
-class StackedNode : public ::testing::Test, protected PipeWireRig
-{
-protected:
-    void SetUp() override { startRig(); }
-};
-
 TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
     ASSERT_EQ(printed.lines.size(), 1u);
     EXPECT_THAT(printed.lines[0], ::testing::StartsWith("✅ Sync Device Created! ID: "));
-    EXPECT_TRUE(eventually([this] { return server->pactl({"get-default-sink"}).trimmed() == "com.quellon.stacked"; }));
+    EXPECT_TRUE(eventually([this] { return server->defaultSink() == "com.quellon.stacked"; }));
     const QString sinks = server->pactl({"list", "sinks"});
     EXPECT_TRUE(sinks.contains("Name: com.quellon.stacked")) << sinks.toStdString();
     EXPECT_TRUE(sinks.contains("Description: Orvanta"));
@@ -87,7 +66,7 @@ TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
     // The process that hosts it goes: so does the node.
     audio.reset();
     backend.hardware.reset();
-    EXPECT_TRUE(eventually([this] { return sinksNamed("com.quellon.stacked") == 0; }, 5000));
+    EXPECT_TRUE(eventually([this] { return server->sinksNamed("com.quellon.stacked") == 0; }, 5000));
 }
 
 TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
@@ -106,16 +85,16 @@ TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
 
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 20), hal::noErr);
     EXPECT_EQ(printed.lines.front(), "🗑️ Startup Cleanup: Old device destroyed.");
-    EXPECT_EQ(sinksNamed("com.quellon.stacked"), 1);
+    EXPECT_EQ(server->sinksNamed("com.quellon.stacked"), 1);
     // The server lists an unloaded module for a moment longer.
-    EXPECT_TRUE(eventually([this] { return moduleLoading("module-loopback").isEmpty(); }));
-    EXPECT_TRUE(moduleLoading("sink_name=com.quellon.stacked").isEmpty());
+    EXPECT_TRUE(eventually([this] { return server->moduleLoading("module-loopback").isEmpty(); }));
+    EXPECT_TRUE(server->moduleLoading("sink_name=com.quellon.stacked").isEmpty());
 }
 
 TEST_F(StackedNode, AMemberThatComesBackIsInStepAgainWithinASecond)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
-    const QString mB = moduleLoading("sink_name=mB");
+    const QString mB = server->moduleLoading("sink_name=mB");
     ASSERT_FALSE(mB.isEmpty());
     ASSERT_FALSE(server->pactl({"unload-module", mB}).isNull());
     ASSERT_TRUE(eventually([this] { return !node->stackedNode()->memberLinked("mB"); }, 5000));
@@ -161,11 +140,9 @@ struct Delays
     int secondaryMs;
 };
 
-class StackedNodeOffset : public ::testing::TestWithParam<Delays>, protected PipeWireRig
+class StackedNodeOffset : public StackedNode, public ::testing::WithParamInterface<Delays>
 {
 protected:
-    void SetUp() override { startRig(); }
-
     // Builds the stacked device, plays two clicks into it from 100 ms on, and takes it down
     // once the held-back member has played them too.
     void playOneBuild(int primaryMs, int secondaryMs)
@@ -249,25 +226,28 @@ TEST_F(StackedNode, ThreeHundredChangesInThreeSecondsStayCleanAndEndExact)
     EXPECT_NEAR(*offset, delay, kExactMs);
 }
 
-class StackedNodeLatency : public ::testing::TestWithParam<int>, protected PipeWireRig
-{
-protected:
-    void SetUp() override { startRig(); }
-};
+class StackedNodeLatency : public StackedNode, public ::testing::WithParamInterface<int>
+{};
 
 TEST_P(StackedNodeLatency, APlayerIsToldTheLatencyToTheLaterMember)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, GetParam()), hal::noErr);
-    const auto probe = probeLatency(*server);
-    ASSERT_TRUE(probe.has_value());
-    // How much later the stacked device played the click than ref did, against how much later
-    // its stream was told it would.
-    const double measured = static_cast<double>(probe->stackedClick - probe->referenceClick) * 1000.0 / kMeterRate;
-    const double told = probe->toldStackedMs - probe->toldReferenceMs - probe->writeGapMs;
-    RecordProperty("told_ms", std::to_string(probe->toldStackedMs));
-    RecordProperty("told_minus_measured_ms", std::to_string(told - measured));
-    EXPECT_NEAR(told, measured, 2.0) << "stacked told " << probe->toldStackedMs << " ms, ref told "
-                                     << probe->toldReferenceMs << " ms, write gap " << probe->writeGapMs << " ms";
+    // How much later the stacked device played the click than ref did, against how much later its
+    // stream was told it would. A stream's told latency is an estimate from the server's last
+    // timing update, a millisecond or two apart on a loaded machine: the median of three probes
+    // is compared. A latency told wrong is wrong in every probe.
+    std::vector<double> errors;
+    for (int round = 0; round < 3; ++round) {
+        const auto probe = probeLatency(*server);
+        ASSERT_TRUE(probe.has_value());
+        const double measured = static_cast<double>(probe->stackedClick - probe->referenceClick) * 1000.0 / kMeterRate;
+        const double told = probe->toldStackedMs - probe->toldReferenceMs - probe->writeGapMs;
+        errors.push_back(told - measured);
+        RecordProperty("told_ms_" + std::to_string(round), std::to_string(probe->toldStackedMs));
+    }
+    std::sort(errors.begin(), errors.end());
+    RecordProperty("told_minus_measured_ms", std::to_string(errors[1]));
+    EXPECT_NEAR(errors[1], 0.0, 2.0) << "told minus measured: " << errors[0] << ", " << errors[1] << ", " << errors[2];
 }
 
 INSTANTIATE_TEST_SUITE_P(Delays, StackedNodeLatency, ::testing::Values(0, 150));

@@ -4,7 +4,6 @@
 #include <random>
 
 namespace orvanta::testing {
-
 namespace {
 
 std::size_t framesOf(double ms)

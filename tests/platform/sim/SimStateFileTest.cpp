@@ -26,23 +26,23 @@ QJsonObject readState(const QString& path)
 SystemSpec twoDevices()
 {
     DeviceSpec speakers;
-    speakers.name = "Speakers";
-    speakers.uid = "spk";
+    speakers.name = speakers.uid = "spk";
     speakers.virtualMainVolume = {true, true, 0.5f};
     DeviceSpec bluetooth;
-    bluetooth.name = "BT";
-    bluetooth.uid = "bt";
+    bluetooth.name = bluetooth.uid = "bt";
     bluetooth.transportType = kAudioDeviceTransportTypeBluetooth;
     bluetooth.channelVolumes = {{true, true, 0.5f}, {true, true, 0.5f}};
     return {{speakers, bluetooth}, {}, {}};
 }
 
-TEST(SimStateFile, MirrorsEveryChangeAtomically)
+TEST(SimStateFile, MirrorsEveryChangeAtomicallyAndAnUnwritablePathIsAnError)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("state.json");
     SimulatedAudioHardware system(twoDevices());
     std::string error;
+    EXPECT_FALSE(watchStateInFile(system, "/nonexistent-dir/state.json", error));
+    EXPECT_EQ(error.rfind("/nonexistent-dir/state.json: cannot write the simulated state", 0), 0u) << error;
     ASSERT_TRUE(watchStateInFile(system, path.toStdString(), error)) << error;
 
     auto state = readState(path);
@@ -78,14 +78,6 @@ TEST(SimStateFile, MirrorsEveryChangeAtomically)
 
     // Nothing but the state file is left behind: every write went through a renamed temporary.
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"state.json"});
-}
-
-TEST(SimStateFile, UnwritablePathIsAnError)
-{
-    SimulatedAudioHardware system(twoDevices());
-    std::string error;
-    EXPECT_FALSE(watchStateInFile(system, "/nonexistent-dir/state.json", error));
-    EXPECT_EQ(error.rfind("/nonexistent-dir/state.json: cannot write the simulated state", 0), 0u) << error;
 }
 
 } // namespace

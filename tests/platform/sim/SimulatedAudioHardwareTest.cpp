@@ -47,7 +47,7 @@ protected:
     }
 };
 
-TEST_F(SimulatedSystem, UnknownObjectsFailAsTheRealServiceDoes)
+TEST_F(SimulatedSystem, UnknownObjectsPropertiesAndSizesFailAsTheRealServiceDoes)
 {
     UInt32 size = 0;
     Float64 rate = 0;
@@ -59,11 +59,7 @@ TEST_F(SimulatedSystem, UnknownObjectsFailAsTheRealServiceDoes)
     EXPECT_FALSE(system.hasProperty(99, kDeviceUID.address()));
     EXPECT_FALSE(system.hasProperty(kAudioObjectUnknown, kDeviceUID.address()));
     EXPECT_EQ(system.destroyAggregateDevice(99), kAudioHardwareBadObjectError);
-}
-
-TEST_F(SimulatedSystem, UnknownPropertiesWrongSizesAndRefusedWrites)
-{
-    Float64 rate = 0;
+    // Unknown properties, wrong sizes and refused writes.
     Float32 level = 0.5f;
     EXPECT_EQ(read(10, kActiveSubDeviceList, 4, &rate), kAudioHardwareUnknownPropertyError);
     EXPECT_EQ(read(10, kNominalSampleRate, 4, &rate), kAudioHardwareBadPropertySizeError);
@@ -72,30 +68,9 @@ TEST_F(SimulatedSystem, UnknownPropertiesWrongSizesAndRefusedWrites)
     EXPECT_EQ(system.setPropertyData(10, kVirtualMainVolume.address(), 0, nullptr, sizeof level, &level),
               kAudioHardwareUnknownPropertyError);
     // The device list answers only in the global scope, main element.
-    UInt32 size = 0;
     EXPECT_EQ(system.getPropertyDataSize(1, {kAudioHardwarePropertyDevices, kAudioObjectPropertyScopeOutput, 0}, 0,
                                          nullptr, size),
               kAudioHardwareUnknownPropertyError);
-}
-
-TEST_F(SimulatedSystem, DefaultOutputAcceptsOnlyOutputDevices)
-{
-    system.addDevice([] {
-        auto mic = device("mic", 12);
-        mic.outputStreams = 0;
-        mic.inputStreams = 1;
-        return mic;
-    }());
-    AudioObjectID id = 11;
-    EXPECT_EQ(system.setPropertyData(1, kDefaultOutputDevice.address(), 0, nullptr, sizeof id, &id), noErr);
-    EXPECT_EQ(system.defaultOutputDevice(), 11u);
-    id = 12;
-    EXPECT_EQ(system.setPropertyData(1, kDefaultOutputDevice.address(), 0, nullptr, sizeof id, &id),
-              kAudioHardwareBadDeviceError);
-    id = 77;
-    EXPECT_EQ(system.setPropertyData(1, kDefaultOutputDevice.address(), 0, nullptr, sizeof id, &id),
-              kAudioHardwareBadDeviceError);
-    EXPECT_EQ(system.defaultOutputDevice(), 11u);
 }
 
 TEST_F(SimulatedSystem, AggregateSubDevicesCarryMemberUIDsAndTakeExtraLatency)
@@ -125,8 +100,18 @@ TEST_F(SimulatedSystem, AggregateSubDevicesCarryMemberUIDsAndTakeExtraLatency)
     EXPECT_EQ(readUID(subs[0]), "(" + std::to_string(kAudioHardwareBadObjectError) + ")");
 }
 
-TEST_F(SimulatedSystem, CreationNeedsAUIDAndDestroyingTheDefaultOutputHandsItToAnotherDevice)
+TEST_F(SimulatedSystem, DefaultOutputAcceptsOnlyOutputDevicesAndCreationNeedsAUID)
 {
+    auto mic = device("mic", 12);
+    mic.outputStreams = 0;
+    mic.inputStreams = 1;
+    system.addDevice(mic);
+    for (const auto& [id, status] : {std::pair{11u, noErr}, std::pair{12u, kAudioHardwareBadDeviceError},
+                                     std::pair{77u, kAudioHardwareBadDeviceError}}) {
+        EXPECT_EQ(system.setPropertyData(1, kDefaultOutputDevice.address(), 0, nullptr, sizeof id, &id), status) << id;
+    }
+    EXPECT_EQ(system.defaultOutputDevice(), 11u);
+
     AudioObjectID aggregate = 0;
     EXPECT_EQ(system.createAggregateDevice(PropertyList::dictionary({}), aggregate),
               kAudioHardwareIllegalOperationError);
@@ -135,6 +120,7 @@ TEST_F(SimulatedSystem, CreationNeedsAUIDAndDestroyingTheDefaultOutputHandsItToA
     EXPECT_EQ(aggregate, 0u);
     EXPECT_EQ(system.destroyAggregateDevice(10), kAudioHardwareIllegalOperationError);
 
+    // Destroying the default output hands it to another device.
     ASSERT_EQ(system.createAggregateDevice(stacked({{"a", 0}}), aggregate), noErr);
     ASSERT_EQ(system.setPropertyData(1, kDefaultOutputDevice.address(), 0, nullptr, sizeof aggregate, &aggregate),
               noErr);

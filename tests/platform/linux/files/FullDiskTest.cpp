@@ -109,8 +109,7 @@ TEST(FullDisk, TheSimulatedStateFileKeepsTheLastStateThatFit)
     QTemporaryDir dir;
     const QString path = dir.filePath("state.json");
     sim::DeviceSpec speakers;
-    speakers.name = "Speakers";
-    speakers.uid = "spk";
+    speakers.name = speakers.uid = "spk";
     speakers.virtualMainVolume = {true, true, 0.5f};
     sim::SimulatedAudioHardware system({{speakers}, {}, {}});
     std::string error;

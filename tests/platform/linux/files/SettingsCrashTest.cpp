@@ -75,8 +75,6 @@ TEST(SettingsCrash, AKillAtAnyMomentLeavesTheOldOrTheNewFile)
         killedMidWrite += temporaries;
     }
     RecordProperty("killedMidWrite", killedMidWrite);
-    std::printf("%d kills, %d of them during a write, %lld writes in all\n", kKills, killedMidWrite,
-                static_cast<long long>(lastCounter));
     // Kills land inside writes far more often than not; none at all would mean the test does
     // not test what it says.
     EXPECT_GT(killedMidWrite, 0);
