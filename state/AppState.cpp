@@ -34,71 +34,60 @@ AppState::~AppState() = default;
 
 void AppState::setDevices(DeviceList value)
 {
-    deviceList = std::move(value);
-    emit devicesChanged();
+    assign(deviceList, std::move(value), &AppState::devicesChanged);
     restoreSyncIfPending();
 }
 
 void AppState::setSelectedDevice1(OptionalDevice value)
 {
-    primary = std::move(value);
     restorePending = false;
-    emit selectedDevice1Changed();
+    assign(primary, std::move(value), &AppState::selectedDevice1Changed);
 }
 
 void AppState::setSelectedDevice2(OptionalDevice value)
 {
-    secondary = std::move(value);
     restorePending = false;
-    emit selectedDevice2Changed();
+    assign(secondary, std::move(value), &AppState::selectedDevice2Changed);
 }
 
 void AppState::setQuellonOn(bool value)
 {
-    syncOn = value;
-    emit isQuellonOnChanged();
+    assign(syncOn, value, &AppState::isQuellonOnChanged);
 }
 
 void AppState::setVolume1(float value)
 {
-    primaryVolume = value;
-    emit volume1Changed();
+    assign(primaryVolume, value, &AppState::volume1Changed);
 }
 
 void AppState::setVolume2(float value)
 {
-    secondaryVolume = value;
-    emit volume2Changed();
+    assign(secondaryVolume, value, &AppState::volume2Changed);
 }
 
 void AppState::setDelays(DelayMap value)
 {
-    delays = std::move(value);
-    emit bluetoothDelaysChanged();
+    assign(delays, std::move(value), &AppState::bluetoothDelaysChanged);
 }
 
 void AppState::setOverrides(OverrideMap value)
 {
-    overrides = std::move(value);
-    emit manualBluetoothOverridesChanged();
+    assign(overrides, std::move(value), &AppState::manualBluetoothOverridesChanged);
 }
 
 void AppState::setTrusted(bool value)
 {
-    trusted = value;
-    emit isTrustedChanged();
+    assign(trusted, value, &AppState::isTrustedChanged);
 }
 
 void AppState::setSettingsSaved(bool value)
 {
-    lastSettingsWriteSaved = value;
-    emit settingsSavedChanged();
+    assign(lastSettingsWriteSaved, value, &AppState::settingsSavedChanged);
 }
 
 void AppState::setLaunchAtLogin(bool value)
 {
-    startsAtLogin = value;
-    emit launchAtLoginChanged();
+    assign(startsAtLogin, value, &AppState::launchAtLoginChanged);
     updateLaunchAtLogin();
 }
 

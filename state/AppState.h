@@ -159,6 +159,12 @@ private:
     void loadPersistedMaps();
     void rememberSyncDevices();
     void restoreSyncIfPending();
+    // Stores a property's new value and tells its observers.
+    template <typename T> void assign(T& field, T value, void (AppState::*changed)())
+    {
+        field = std::move(value);
+        (this->*changed)(); // emits the signal
+    }
 
     AppStateServices services;
 
