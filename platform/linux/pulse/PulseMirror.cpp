@@ -22,6 +22,15 @@ bool removedEarlier(std::set<std::uint32_t>& pending, const Records& records, st
     return !records.contains(index) && pending.erase(index) > 0;
 }
 
+// The fields sinks and sources share.
+template <typename Record, typename Info> void fillDevice(Record& record, const Info& info)
+{
+    record.index = info.index;
+    record.name = text(info.name);
+    record.description = text(info.description);
+    record.rate = info.sample_spec.rate;
+}
+
 template <typename Records> void removeRecord(std::set<std::uint32_t>& pending, Records& records, std::uint32_t index)
 {
     if (records.erase(index) == 0) {
@@ -37,10 +46,7 @@ void PulseMirror::update(const pa_sink_info& info)
         return;
     }
     auto& sink = sinks[info.index];
-    sink.index = info.index;
-    sink.name = text(info.name);
-    sink.description = text(info.description);
-    sink.rate = info.sample_spec.rate;
+    fillDevice(sink, info);
     sink.volume = info.volume;
     sink.channelMap = info.channel_map;
     sink.ownerModule = info.owner_module;
@@ -56,10 +62,7 @@ void PulseMirror::update(const pa_source_info& info)
         return;
     }
     auto& source = sources[info.index];
-    source.index = info.index;
-    source.name = text(info.name);
-    source.description = text(info.description);
-    source.rate = info.sample_spec.rate;
+    fillDevice(source, info);
     source.isMonitor = info.monitor_of_sink != PA_INVALID_INDEX;
 }
 
