@@ -1,10 +1,14 @@
-// The views at larger text and in several languages: every control in the accessibility tree is
-// named, and Tab follows the order controls are seen in.
+// The views at larger text and in several languages, on the screen of a 1366x768 laptop: every
+// control in the accessibility tree is named, Tab follows the order controls are seen in, and the
+// window stays on the screen with what does not fit reached by scrolling.
 
 #include "UiFixture.h"
 
 #include <QAccessible>
 #include <QAccessibleInterface>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 
 namespace orvanta::testing {
 namespace {
@@ -65,13 +69,29 @@ std::vector<QString> controlNames(QWidget* root)
     return names;
 }
 
+// The window is on the screen and, scrolled to the end, shows its last line.
+void expectOnScreen(ui::MainWindow& window, const std::string& where)
+{
+    EXPECT_TRUE(QGuiApplication::primaryScreen()->availableGeometry().contains(window.frameGeometry())) << where;
+    QScrollBar* bar = window.scrollArea()->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    const QWidget* version = child<QWidget>(window.content(), "versionLabel");
+    const QPoint bottom = version->mapTo(window.scrollArea()->viewport(), QPoint(0, version->height()));
+    EXPECT_LE(bottom.y(), window.scrollArea()->viewport()->height()) << where;
+    bar->setValue(0);
+}
+
 using Accessibility = ScaledViews;
 
 // Also: the panel's names change with the language, and the panel runs right to left in Arabic.
-TEST_P(Accessibility, EveryControlOfTheWindowAndThePanelHasANameAndTabReadsInOrder)
+TEST_P(Accessibility, EveryControlOfTheWindowAndThePanelHasANameTabReadsInOrderAndTheWindowFitsTheScreen)
 {
+    ASSERT_EQ(QGuiApplication::primaryScreen()->availableGeometry().size(), QSize(1366, 720));
     syncTwoBluetoothSpeakers();
-    ui::MainWindow window(lang, *appState, services());
+    sim::SimulatedSoundSystemStatus status; // with the simulated notice, the window's tallest form
+    auto withStatus = services();
+    withStatus.soundSystem = &status;
+    ui::MainWindow window(lang, *appState, withStatus);
     ui::MenuBarView panel(*appState, lang, {}, {});
     window.show();
     panel.show();
@@ -91,6 +111,7 @@ TEST_P(Accessibility, EveryControlOfTheWindowAndThePanelHasANameAndTabReadsInOrd
           QStringLiteral("Кыргызча"), QStringLiteral("العربية")}) {
         lang.setCurrentLanguage(language);
         drainEvents();
+        expectOnScreen(window, language.toStdString() + " at " + std::to_string(GetParam()));
         for (QWidget* root : {static_cast<QWidget*>(window.content()), static_cast<QWidget*>(&panel)}) {
             expectReadingOrder(root);
             EXPECT_GT(controlNames(root).size(), 8u);
