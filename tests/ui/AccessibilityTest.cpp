@@ -81,13 +81,36 @@ void expectOnScreen(ui::MainWindow& window, const std::string& where)
     bar->setValue(0);
 }
 
-using Accessibility = ScaledViews;
+// Two Bluetooth speakers synced, so that every row is shown, with the primary at full volume and
+// delays of three digits, at a scaled application font.
+class Accessibility : public ::testing::TestWithParam<double>, public UiFixture
+{
+protected:
+    Accessibility()
+    {
+        auto second = outputDevice("Bahasa Indonesia Soundbar", "bt2", hal::kAudioDeviceTransportTypeBluetooth, 44100);
+        second.channelVolumes = {volumeControl(), volumeControl()};
+        sim.system.addDevice(second);
+        appState->setDevices(sim.audio.getOutputDevices());
+        appState->setSelectedDevice1(device("bt"));
+        appState->setSelectedDevice2(device("bt2"));
+        appState->setVolume1(1.0f);
+        appState->setBluetoothDelay(595, device("bt"));
+        appState->setBluetoothDelay(600, device("bt2"));
+        appState->enableSync();
+        QFont scaled = savedFont;
+        scaled.setPointSizeF(savedFont.pointSizeF() * GetParam());
+        QApplication::setFont(scaled);
+    }
+    ~Accessibility() override { QApplication::setFont(savedFont); }
+
+    const QFont savedFont = QApplication::font();
+};
 
 // Also: the panel's names change with the language, and the panel runs right to left in Arabic.
 TEST_P(Accessibility, EveryControlOfTheWindowAndThePanelHasANameTabReadsInOrderAndTheWindowFitsTheScreen)
 {
     ASSERT_EQ(QGuiApplication::primaryScreen()->availableGeometry().size(), QSize(1366, 720));
-    syncTwoBluetoothSpeakers();
     sim::SimulatedSoundSystemStatus status; // with the simulated notice, the window's tallest form
     auto withStatus = services();
     withStatus.soundSystem = &status;

@@ -1,13 +1,10 @@
-// The main window's column: pickers, sync switch and alerts, banner, status lines, footer, language.
+// The main window's column: pickers, sync switch and alerts, banner, status lines, language.
 
 #include "UiFixture.h"
-
-#include "update/SiteAddresses.h"
 
 namespace orvanta::testing {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 TEST_F(MainWindowContent, PickersOfferEveryDeviceAndSyncNeedsTwoBuildsTheStackedDeviceShowsTheBalanceAndWarns)
@@ -26,20 +23,17 @@ TEST_F(MainWindowContent, PickersOfferEveryDeviceAndSyncNeedsTwoBuildsTheStacked
     pickBoth(1, 1);
     EXPECT_FALSE(syncSwitch->isEnabled());
     pickBoth(1, 2);
-    EXPECT_EQ(appState->selectedDevice1(), kSpeakers);
     EXPECT_EQ(appState->selectedDevice2(), kBluetooth);
     EXPECT_FALSE(shown(block("balanceSection")));
 
     turnSyncOn();
     EXPECT_TRUE(appState->isQuellonOn());
-    EXPECT_NE(sim.system.deviceWithUID(audio::stackedDeviceUID), nullptr);
     EXPECT_TRUE(shown(block("balanceSection")));
     EXPECT_TRUE(shown(block("delayNote")));
     EXPECT_EQ(alerts.shown.size(), 1);
 
     turnSyncOn(); // the same switch, now on
     EXPECT_FALSE(appState->isQuellonOn());
-    EXPECT_EQ(sim.system.deviceWithUID(audio::stackedDeviceUID), nullptr);
     EXPECT_FALSE(shown(block("balanceSection")));
     EXPECT_EQ(alerts.shown.size(), 1);
     pick(primary, 0);
@@ -153,15 +147,6 @@ TEST_F(MainWindowContent, TheSettingsNoticeShowsWhileWritesFailInTheCurrentLangu
     memoryDefaults.failWrites = false;
     appState->setManualBluetoothOverride(true, device("spk"));
     EXPECT_FALSE(shown(notice));
-}
-
-TEST_F(MainWindowContent, SupportAndLinksOpenTheirPages)
-{
-    click(child<QAbstractButton>(&view(), "supportButton"));
-    click(child<QAbstractButton>(&view(), "privacyLink"));
-    click(child<QAbstractButton>(&view(), "termsLink"));
-    EXPECT_THAT(workspace.opened, ElementsAre(QUrl(update::donationAddress()), QUrl(update::privacyPolicyAddress()),
-                                              QUrl(update::termsOfUseAddress())));
 }
 
 QHash<const QObject*, QString> visibleTexts(const QWidget& root)

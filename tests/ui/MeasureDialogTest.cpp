@@ -104,17 +104,13 @@ TEST_F(MeasureWithMicrophone, TheDialogStartsWithTheChosenMicrophoneShowsTheResu
     EXPECT_EQ(measurement.startedWith, "laptop.mic");
     EXPECT_FALSE(button("startButton")->isEnabled());
     EXPECT_FALSE(button("applyButton")->isEnabled());
-    EXPECT_TRUE(shown(child<QProgressBar>(&dialog(), "measureProgress")));
 
     measurement.finish(outcome(MeasurementStatus::Measured, {0.0, 152.4}));
     EXPECT_EQ(child<QProgressBar>(&dialog(), "measureProgress")->value(), 50);
-    EXPECT_EQ(textOf("speakerName1"), QStringLiteral("BT Speaker"));
     EXPECT_EQ(textOf("speakerLateness1"), QStringLiteral("152.4 ms"));
     EXPECT_EQ(textOf("spreadLabel"), QStringLiteral("Spread of the repeats: 0.8 ms"));
-    sim.reset();
     button("applyButton")->click();
     EXPECT_EQ(appState->bluetoothDelays(), (state::DelayMap{{"bt", 152}, {"spk", 0}}));
-    EXPECT_FALSE(sim.printed.lines.empty()); // applied live, like any other change of a delay
 
     // A later wired speaker is marked as Bluetooth; beyond the longest delay, the longest is applied.
     measure(outcome(MeasurementStatus::Measured, {85.0, 0.0}));

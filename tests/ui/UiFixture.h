@@ -80,7 +80,6 @@ inline void pick(QComboBox* picker, int index)
     for (int i = 0; i < index; ++i) {
         QTest::keyClick(picker, Qt::Key_Down);
     }
-    ASSERT_EQ(picker->currentIndex(), index);
 }
 
 struct UiFixture : StateFixture
@@ -130,35 +129,5 @@ struct UiFixture : StateFixture
 
 class MainWindowContent : public ::testing::Test, public UiFixture
 {};
-
-// Two Bluetooth speakers, so that every row is shown, at a scaled application font.
-class ScaledViews : public ::testing::TestWithParam<double>, public UiFixture
-{
-protected:
-    ScaledViews()
-    {
-        auto second = outputDevice("Bahasa Indonesia Soundbar", "bt2", hal::kAudioDeviceTransportTypeBluetooth, 44100);
-        second.channelVolumes = {volumeControl(), volumeControl()};
-        sim.system.addDevice(second);
-        appState->setDevices(sim.audio.getOutputDevices());
-        QFont scaled = savedFont;
-        scaled.setPointSizeF(savedFont.pointSizeF() * GetParam());
-        QApplication::setFont(scaled);
-    }
-    ~ScaledViews() override { QApplication::setFont(savedFont); }
-
-    // Both synced, the primary at full volume, delays of three digits.
-    void syncTwoBluetoothSpeakers()
-    {
-        appState->setSelectedDevice1(device("bt"));
-        appState->setSelectedDevice2(device("bt2"));
-        appState->setVolume1(1.0f);
-        appState->setBluetoothDelay(595, device("bt"));
-        appState->setBluetoothDelay(600, device("bt2"));
-        appState->enableSync();
-    }
-
-    const QFont savedFont = QApplication::font();
-};
 
 } // namespace orvanta::testing
