@@ -117,7 +117,6 @@ TEST_F(MainWindowContent, TheBannerShowsUntilTrustedSaysWhyOffersTheButtonOnlyWh
 TEST_F(MainWindowContent, TheSoundSystemLineFollowsTheConnection)
 {
     using State = services::SoundSystemStatus::State;
-    EXPECT_FALSE(shown(child<QLabel>(&view(), "soundSystemLabel"))); // without a status: nothing
     sim::SimulatedSoundSystemStatus status(State::Connecting);
     auto other = services();
     other.soundSystem = &status;
