@@ -1,10 +1,8 @@
-// Checks every string table as the program carries it (the compiled-in resource): one key set
-// for all translations, placeholders intact, no gaps, nothing left untranslated by mistake.
+// Every string table as the program carries it: one key set, placeholders intact, each text in
+// its language.
 
 #include "i18n/StringTable.h"
 #include "i18n/LanguageList.h"
-#include "i18n/LanguageManager.h"
-#include "sim/MemoryUserDefaults.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -60,44 +58,29 @@ QList<QChar::Script> scriptsOf(const QString& tableName)
         {QStringLiteral("ar"), {QChar::Script_Arabic}},
         {QStringLiteral("hi"), {QChar::Script_Devanagari}},
         {QStringLiteral("th"), {QChar::Script_Thai}},
-        {QStringLiteral("he"), {QChar::Script_Hebrew}},
-    };
+        {QStringLiteral("he"), {QChar::Script_Hebrew}}};
     return scripts.value(tableName, {QChar::Script_Latin});
 }
 
 // Texts that rightly read the same as in English.
 bool justifiedAsEnglish(const QString& tableName, const QString& key)
 {
-    // "OK" is the usual label of the affirmative button in most languages, and "ms" the
-    // international symbol for milliseconds in languages written in Latin letters.
+    // "OK" is the usual button label, and "ms" the symbol in Latin script; Dutch says "later" too,
+    // and French "microphone".
     if (key == u"OK" || (key == u"%@ ms" && scriptsOf(tableName) == QList<QChar::Script>{QChar::Script_Latin})) {
         return true;
     }
-    // Dutch has the word "later" too, and French the word "microphone".
     return (tableName == u"nl" && key == u"Later") || (tableName == u"fr" && key == u"Microphone");
 }
 
-TEST(StringTables, EveryListedLanguageHasItsOwnTableWithEachKeyOnce)
+TEST(StringTables, EachFileHoldsEachKeyOnce)
 {
-    QSet<QString> names;
-    QSet<QString> files;
     for (const auto& entry : i18n::kLanguageList) {
-        names.insert(entry.displayName.toString());
-        files.insert(entry.tableName.toString());
         // One member per line: a key written twice would count twice here but once in the table.
         QFile file(i18n::stringTablePath(entry.tableName));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
         const auto members = QString::fromUtf8(file.readAll()).count(QRegularExpression(QStringLiteral("\n\\s*\"")));
         EXPECT_EQ(members, i18n::loadStringTable(entry.tableName).size()) << file.fileName().toStdString();
-    }
-    EXPECT_EQ(names.size(), static_cast<qsizetype>(i18n::kLanguageList.size()));
-    EXPECT_EQ(files.size(), names.size());
-
-    sim::MemoryUserDefaults defaults;
-    const i18n::LanguageManager manager(defaults);
-    for (qsizetype i = 0; i < tables().size(); ++i) {
-        EXPECT_EQ(manager.translations().value(i18n::kLanguageList[static_cast<std::size_t>(i)].displayName.toString()),
-                  tables()[i].texts);
     }
 }
 
@@ -124,7 +107,7 @@ TEST(StringTables, EveryTranslationHoldsTheSameKeysAndEnglishOnlyWhatItCannotSho
     }
 }
 
-TEST(StringTables, TextsKeepTheirPlaceholdersAndHaveNoGapsOrPadding)
+TEST(StringTables, TextsKeepTheirPlaceholders)
 {
     for (const auto& table : tables()) {
         for (auto entry = table.texts.cbegin(); entry != table.texts.cend(); ++entry) {
@@ -137,43 +120,7 @@ TEST(StringTables, TextsKeepTheirPlaceholdersAndHaveNoGapsOrPadding)
             // Every '%' starts one of the two placeholders the callers fill in.
             EXPECT_EQ(text.count(u'%'), text.count(QStringLiteral("%d")) + text.count(QStringLiteral("%@")))
                 << where(table, entry.key());
-            EXPECT_FALSE(text.trimmed().isEmpty() || text.front().isSpace()) << where(table, entry.key());
-            if (!entry.key().back().isSpace()) {
-                EXPECT_FALSE(text.back().isSpace()) << where(table, entry.key());
-            }
         }
-    }
-}
-
-TEST(StringTables, StepsAreThreeNumberedLinesNamingTheProductAndTheKeyNotesOneParagraph)
-{
-    for (const auto& table : tables()) {
-        for (const QString& key : {QStringLiteral("instruction_text"), QStringLiteral("keys_taken_text")}) {
-            const QStringList steps = table.texts.value(key).split(u'\n');
-            ASSERT_EQ(steps.size(), 3) << where(table, key);
-            for (qsizetype i = 0; i < steps.size(); ++i) {
-                EXPECT_TRUE(steps[i].startsWith(QStringLiteral("%1. ").arg(i + 1))) << where(table, key);
-                EXPECT_GT(steps[i].trimmed().size(), 3) << where(table, key);
-            }
-            EXPECT_TRUE(table.texts.value(key).contains(QStringLiteral("Orvanta"))) << where(table, key);
-        }
-        for (const QString& key : {QStringLiteral("keys_taken_reason"), QStringLiteral("keys_wayland_text")}) {
-            ASSERT_TRUE(table.texts.contains(key)) << where(table, key);
-            EXPECT_FALSE(table.texts.value(key).contains(u'\n')) << where(table, key);
-        }
-        const QString wayland = table.texts.value(QStringLiteral("keys_wayland_text"));
-        EXPECT_TRUE(wayland.contains(QStringLiteral("Wayland")) && wayland.contains(QStringLiteral("X11")))
-            << table.tableName.toStdString();
-    }
-}
-
-TEST(StringTables, TheBluetoothDevicePrefixEndsInAColon)
-{
-    const QString key = QStringLiteral("Bluetooth device detected: ");
-    for (const auto& table : tables()) {
-        const bool fullWidth = table.tableName == u"zh" || table.tableName == u"ja";
-        EXPECT_TRUE(table.texts.value(key, key).endsWith(fullWidth ? QStringLiteral("：") : QStringLiteral(": ")))
-            << table.tableName.toStdString();
     }
 }
 

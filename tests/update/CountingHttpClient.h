@@ -1,8 +1,7 @@
 #pragma once
 
-// Passes requests on to another client and counts the ones whose work is over: the handler has
-// run and so has whatever it handed to the main thread (for the update check, the dialog). A
-// silent outcome counts too, so a test knows when a check that shows nothing has ended.
+// Passes requests on and counts those whose handler and main-thread continuation (the dialog) have
+// both run, silent outcomes included.
 
 #include "services/HttpClient.h"
 

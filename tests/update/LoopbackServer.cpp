@@ -50,11 +50,6 @@ LoopbackServer::LoopbackServer() : server(new QTcpServer(this))
     server->listen(QHostAddress::LocalHost, 0);
 }
 
-bool LoopbackServer::listening() const
-{
-    return server->isListening();
-}
-
 QUrl LoopbackServer::url(const QString& path) const
 {
     return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(server->serverPort()).arg(path));

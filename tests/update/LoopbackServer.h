@@ -1,9 +1,7 @@
 #pragma once
 
-// A small HTTP server on 127.0.0.1 for tests, running in the test's own event loop. Each path
-// gets a scripted behaviour: a response written as given (so it may lie about its length or end
-// early), an answer held back until enough requests have arrived or a delay has passed, or no
-// answer at all. It records every request it reads.
+// An HTTP server on 127.0.0.1 in the test's event loop, with a scripted answer per path (written
+// as given, so it may lie about its length), held back, delayed, or never sent.
 
 #include <QByteArray>
 #include <QHash>
@@ -38,15 +36,12 @@ class LoopbackServer : public QObject
 public:
     LoopbackServer();
 
-    bool listening() const;
     QUrl url(const QString& path) const;
     void setRoute(const QByteArray& path, Route route) { routes.insert(path, std::move(route)); }
 
-    // How many requests for path were read so far.
     int requestCount(const QByteArray& path) const { return static_cast<int>(requestPaths.count(path)); }
     int connectionCount() const { return connections; }
 
-    // Stops listening: new connections are refused.
     void close();
 
 private:

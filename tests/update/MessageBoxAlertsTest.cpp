@@ -1,8 +1,7 @@
-// The real dialogs and browser hand-off, under Qt's offscreen platform.
+// The real dialogs under Qt's offscreen platform.
 
 #include "update/UpdateChecker.h"
 
-#include "desktop/DesktopWorkspace.h"
 #include "desktop/MessageBoxAlerts.h"
 #include "desktop/NetworkHttpClient.h"
 #include "sim/SimulatedBundleInfo.h"
@@ -17,7 +16,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
@@ -31,8 +29,8 @@ using namespace std::chrono_literals;
 namespace orvanta::desktop {
 namespace {
 
-// Calls act once on every message box that opens while it is alive. A box still open after the
-// time limit is closed, so that a test that fails cannot hang in a modal loop.
+// Calls act once on every message box that opens; closes one still open after 10 s, so that a
+// failing test cannot hang in a modal loop.
 class DialogWatcher
 {
 public:
@@ -72,7 +70,7 @@ QAbstractButton* buttonTitled(QMessageBox* box, const QString& title)
     return nullptr;
 }
 
-// What a box shows: its texts, buttons, default and escape buttons, and whether it is modal.
+// What a box shows: texts, buttons, default and escape buttons, modality, and the labels' format.
 QStringList describe(QMessageBox* box)
 {
     QStringList seen{box->text(), box->informativeText()};
@@ -82,42 +80,19 @@ QStringList describe(QMessageBox* box)
     seen.append("default " + (box->defaultButton() ? box->defaultButton()->text() : QString()));
     seen.append("escape " + (box->escapeButton() ? box->escapeButton()->text() : QString()));
     seen.append(box->windowModality() == Qt::ApplicationModal ? "application modal" : "not modal");
+    for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
+        seen.append(box->findChild<QLabel*>(name)->textFormat() == Qt::PlainText ? "plain" : "markup");
+    }
     return seen;
 }
 
-TEST(UpdateMessageBoxAlerts, ShowsTheAlertModallyAsPlainTextAndGivesTheChosenButton)
-{
-    MessageBoxAlerts alerts;
-    QList<QStringList> seen;
-    QString press; // the button to click; none: the window is closed
-    DialogWatcher watcher([&](QMessageBox* box) {
-        QStringList shown = describe(box);
-        for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
-            shown.append(box->findChild<QLabel*>(name)->textFormat() == Qt::PlainText ? "plain" : "markup");
-        }
-        seen.append(shown);
-        press.isEmpty() ? static_cast<void>(box->close()) : buttonTitled(box, press)->click();
-    });
-    press = "Later";
-    EXPECT_EQ(alerts.runModal(
-                  {"<i>Orvanta</i>", "<a href=\"https://elsewhere.example\">Notes</a>", {"Download Update", "Later"}}),
-              1);
-    EXPECT_EQ(seen.value(0),
-              (QStringList{"<i>Orvanta</i>", "<a href=\"https://elsewhere.example\">Notes</a>", "Download Update",
-                           "Later", "default Download Update", "escape Later", "application modal", "plain", "plain"}));
-    press = "Descargar";
-    EXPECT_EQ(alerts.runModal({"m", "i", {"Descargar", "Más tarde"}}), 0);
-    press.clear(); // closing the window chooses the last button
-    EXPECT_EQ(alerts.runModal({"m", "i", {"Download", "Later"}}), 1);
-    EXPECT_EQ(alerts.runModal({"m", "i", {"OK"}}), 0);
-}
-
+// Both checks at once, the server's markup shown as plain text; closing a dialog chooses Later.
 TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
 {
     testing::LoopbackServer server;
-    auto route = testing::Route::reply(
-        200, R"({"version":"1.5.0","download_url":"https://orvanta.example/get","release_notes":"Notes"})");
-    route.holdUntilRequests = 2;
+    auto route = testing::Route::reply(200, R"({"version":"1.5.0","download_url":"https://orvanta.example/get",)"
+                                            R"("release_notes":"<a href='https://elsewhere.example'>Notes</a>"})");
+    route.holdUntilRequests = 2; // the server answers only once both requests are waiting
     server.setRoute("/feed.json", route);
     NetworkHttpClient network{HttpLimits{10s}};
     testing::CountingHttpClient http(network);
@@ -131,44 +106,21 @@ TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
     QList<QStringList> seen;
     DialogWatcher watcher([&](QMessageBox* box) {
         seen.append(describe(box));
-        // Download from the user's dialog, Later on the launch dialog.
         QAbstractButton* download = buttonTitled(box, "Download");
-        (download != nullptr ? download : buttonTitled(box, "Later"))->click();
+        download != nullptr ? download->click() : static_cast<void>(box->close());
     });
     checker.checkForUpdatesAtLaunch();
     checker.checkForUpdates();
     ASSERT_TRUE(testing::runUntil([&] { return http.finishedCount() == 2; }, 20s));
     std::sort(seen.begin(), seen.end());
-    EXPECT_EQ(seen, (QList<QStringList>{{"Orvanta 1.5.0 is Available", "Notes", "Download", "Later", "default Download",
-                                         "escape Later", "application modal"},
-                                        {"Orvanta 1.5.0 is Available", "Notes", "Download Update", "Later",
-                                         "default Download Update", "escape Later", "application modal"}}));
+    const QString notes = "<a href='https://elsewhere.example'>Notes</a>";
+    EXPECT_EQ(seen,
+              (QList<QStringList>{{"Orvanta 1.5.0 is Available", notes, "Download", "Later", "default Download",
+                                   "escape Later", "application modal", "plain", "plain"},
+                                  {"Orvanta 1.5.0 is Available", notes, "Download Update", "Later",
+                                   "default Download Update", "escape Later", "application modal", "plain", "plain"}}));
     EXPECT_EQ(workspace.opened, QList<QUrl>{QUrl("https://orvanta.example/get")});
-}
-
-class UrlRecorder : public QObject
-{
-    Q_OBJECT
-
-public:
-    QList<QUrl> urls;
-
-public slots:
-    void open(const QUrl& url) { urls.append(url); }
-};
-
-TEST(UpdateDesktopWorkspace, HandsTheAddressToTheDesktop)
-{
-    // A handler registered for the scheme stands in for the browser.
-    UrlRecorder recorder;
-    QDesktopServices::setUrlHandler("https", &recorder, "open");
-    DesktopWorkspace workspace;
-    EXPECT_TRUE(workspace.openUrl(QUrl("https://orvanta.example/get")));
-    QDesktopServices::unsetUrlHandler("https");
-    EXPECT_EQ(recorder.urls, QList<QUrl>{QUrl("https://orvanta.example/get")});
 }
 
 } // namespace
 } // namespace orvanta::desktop
-
-#include "MessageBoxAlertsTest.moc"

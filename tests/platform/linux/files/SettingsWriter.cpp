@@ -1,6 +1,5 @@
-// Writes the settings over and over, as fast as it can, until it is killed: each write stores
-// a counter one higher than the last and the same large padding. Prints "ready" once its first
-// write is done, so that the test kills it while it writes rather than while it starts.
+// Writes the settings until it is killed, each time with a counter one higher and the same
+// padding; says "ready" after the first write, so the test kills it while it writes.
 
 #include "desktop/JsonFileUserDefaults.h"
 
@@ -11,7 +10,6 @@
 int main(int argc, char** argv)
 {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: %s SETTINGS_FILE PADDING_BYTES\n", argv[0]);
         return 2;
     }
     orvanta::desktop::JsonFileUserDefaults defaults(QString::fromLocal8Bit(argv[1]));

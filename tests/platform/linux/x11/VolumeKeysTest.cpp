@@ -1,6 +1,5 @@
-// The volume keys on a real X display: pressed with xdotool, taken by the tap, and moving both
-// simulated devices; trust that follows whether another client holds the keys; and the program
-// itself quitting while it holds them.
+// The volume keys on a real X display, pressed with xdotool; trust that follows whether another
+// client holds them; and the program quitting while it holds them.
 
 #include "support/EventLoop.h"
 #include "support/StateFixture.h"
@@ -8,7 +7,6 @@
 #include "x11/X11AccessibilityTrust.h"
 #include "x11/X11EventTap.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -19,8 +17,6 @@
 
 namespace orvanta::testing {
 namespace {
-
-using ::testing::ElementsAre;
 
 xcb_connection_t* qtConnection()
 {
@@ -45,16 +41,13 @@ public:
         process.start(ORVANTA_GRAB_HOLDER, QStringList{});
         process.waitForReadyRead(5000);
         said = process.readAllStandardOutput();
-        held = said.startsWith("held");
     }
-    ~Holder() { release(); }
-    void release()
+    ~Holder()
     {
         process.closeWriteChannel();
         process.waitForFinished(3000);
     }
     QByteArray said; // "held", or "refused" when another client has the keys
-    bool held = false;
 
 private:
     QProcess process;
@@ -99,32 +92,6 @@ TEST_F(VolumeKeys, EachKeyDownMovesBothDevicesByOneStep)
     press("XF86AudioLowerVolume");
     ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.4375f; }));
     EXPECT_EQ(app.volume2(), 0.4375f);
-    EXPECT_EQ(sim.system.device(sim.idOf("spk"))->spec.virtualMainVolume.level, 0.4375f);
-    EXPECT_EQ(sim.system.device(sim.idOf("bt"))->spec.channelVolumes[0].level, 0.4375f);
-}
-
-TEST_F(VolumeKeys, KeyDownsAreDroppedAndKeyUpsPassOn)
-{
-    std::vector<services::TapEvent> seen;
-    std::vector<bool> passed;
-    auto port = x11Taps.create(services::kSystemDefinedEventMask, [&](const services::TapEvent& event) {
-        seen.push_back(event);
-        const bool keyDown = (event.data1 & 0xFF00) == 0x0A00;
-        passed.push_back(!keyDown);
-        return keyDown ? std::nullopt : std::optional<services::TapEvent>(event);
-    });
-    ASSERT_TRUE(port);
-    port->addToMainLoop();
-    port->setEnabled(true);
-
-    press("XF86AudioLowerVolume");
-    press("a"); // not ours: never seen
-    ASSERT_TRUE(runUntil([&] { return seen.size() >= 2; }));
-    drainEvents();
-    ASSERT_EQ(seen.size(), 2u);
-    EXPECT_EQ(seen[0].data1, (1 << 16) | 0x0A00);
-    EXPECT_EQ(seen[1].data1, (1 << 16) | 0x0B00);
-    EXPECT_THAT(passed, ElementsAre(false, true));
 }
 
 TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessTheSoundServerHasThem)
@@ -134,14 +101,12 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessThe
     selectBoth();
 
     auto holder = std::make_unique<Holder>();
-    ASSERT_TRUE(holder->held);
+    ASSERT_EQ(holder->said, "held\n");
     ASSERT_TRUE(runUntil([&] { return !app.isTrusted(); }, std::chrono::milliseconds(2500)));
     EXPECT_EQ(x11Trust.obstacle(), services::AccessibilityTrust::Obstacle::KeysHeldByAnotherProgram);
-    // With the sound server, a desktop's volume handler changes the default output, which the
-    // stacked device is: the keys are covered all the same.
+    // With the sound server, the desktop's volume handler moves the default output, our stacked device.
     x11::X11AccessibilityTrust serverTrust(keys, x11::X11AccessibilityTrust::Sound::Server, QStringLiteral("GNOME"));
     EXPECT_TRUE(serverTrust.isProcessTrusted());
-    EXPECT_EQ(serverTrust.obstacle(), services::AccessibilityTrust::Obstacle::None);
 
     // Sync comes on while the keys are taken: the tap cannot be made.
     app.enableSync();
@@ -161,7 +126,7 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessThe
     EXPECT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
 }
 
-TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeysWithItsOwnSettings)
+TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeys)
 {
     using Obstacle = services::AccessibilityTrust::Obstacle;
     using Sound = x11::X11AccessibilityTrust::Sound;
@@ -169,33 +134,20 @@ TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandles
     x11::X11EventTap taps(keys);
     EXPECT_EQ(taps.create(services::kSystemDefinedEventMask, [](const services::TapEvent& e) { return e; }), nullptr);
 
-    x11::X11AccessibilityTrust plasma(keys, Sound::Server, QStringLiteral("KDE"));
-    EXPECT_TRUE(plasma.isProcessTrusted());
+    x11::X11AccessibilityTrust gnome(keys, Sound::Server, QStringLiteral("ubuntu:GNOME"));
+    EXPECT_TRUE(gnome.isProcessTrusted());
     x11::X11AccessibilityTrust sway(keys, Sound::Server, QStringLiteral("sway"));
     EXPECT_FALSE(sway.isProcessTrusted());
     EXPECT_EQ(sway.obstacle(), Obstacle::DesktopKeysUnknown);
-    EXPECT_FALSE(sway.canPromptForTrust());
     // The desktop's keys never reach the simulated devices.
     x11::X11AccessibilityTrust simulated(keys, Sound::Simulated, QStringLiteral("GNOME"));
     EXPECT_FALSE(simulated.isProcessTrusted());
     EXPECT_EQ(simulated.obstacle(), Obstacle::SessionGivesNoKeys);
-    EXPECT_FALSE(simulated.canPromptForTrust());
-
-    // Each desktop opens its own keyboard settings, and the known ones handle the volume keys.
-    EXPECT_EQ(x11::shortcutSettingsCommand("ubuntu:GNOME"), (QStringList{"gnome-control-center", "keyboard"}));
-    EXPECT_EQ(x11::shortcutSettingsCommand("KDE"), (QStringList{"systemsettings", "kcm_keys"}));
-    EXPECT_EQ(x11::shortcutSettingsCommand("XFCE"), QStringList{"xfce4-keyboard-settings"});
-    EXPECT_TRUE(x11::shortcutSettingsCommand("").isEmpty());
-    for (const char* desktop : {"ubuntu:GNOME", "KDE", "XFCE", "X-Cinnamon"}) {
-        EXPECT_TRUE(x11::desktopHandlesVolumeKeys(desktop)) << desktop;
-    }
-    EXPECT_FALSE(x11::desktopHandlesVolumeKeys("sway"));
-    EXPECT_FALSE(x11::desktopHandlesVolumeKeys(""));
 }
 
 TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
 {
-    // Sync comes back at start on two of the built-in simulated devices, and the keys are grabbed.
+    // Sync comes back at start on two built-in simulated devices, and the keys are grabbed.
     QTemporaryDir home;
     ASSERT_TRUE(QDir(home.path()).mkpath("config/orvanta") && QDir(home.path()).mkpath("runtime"));
     QFile::setPermissions(home.filePath("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -210,8 +162,7 @@ TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
     environment.insert("XDG_CONFIG_HOME", home.filePath("config"));
     environment.insert("ORVANTA_AUDIO", "simulated");
     environment.remove("XDG_SESSION_TYPE");
-    // With a session bus of its own, as in a desktop session: without one, Qt's D-Bus thread
-    // leaves a buffer of libdbus behind at exit that is no leak of the program's.
+    // A session bus of its own: without one, libdbus leaves a buffer at exit that is no leak of ours.
     QProcess program;
     program.setProcessEnvironment(environment);
     program.start("dbus-run-session", {"--", QStringLiteral(ORVANTA_PROGRAM)});
@@ -231,11 +182,9 @@ TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
     press("ctrl+q");
     ASSERT_TRUE(runUntil([&] { return program.state() == QProcess::NotRunning; }, std::chrono::seconds(60)));
     const QByteArray errors = program.readAllStandardError();
-    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit) << errors.toStdString();
-    EXPECT_EQ(program.exitCode(), 0) << errors.toStdString();
-    for (const char* report : {"AddressSanitizer", "LeakSanitizer", "runtime error:"}) {
-        EXPECT_FALSE(errors.contains(report)) << errors.toStdString();
-    }
+    EXPECT_TRUE(program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0 &&
+                !errors.contains("Sanitizer") && !errors.contains("runtime error:"))
+        << errors.toStdString();
 }
 
 } // namespace
