@@ -1,22 +1,64 @@
-// From a recording of a whole measurement to the speakers' relative lateness, on rooms worked
-// out in memory: the microphone's own latency drops out, either speaker may be the later one,
-// and a recording that cannot be trusted is turned down with the reason.
+// From a recording of a whole measurement, made in memory as a microphone in a room would, to the
+// speakers' relative lateness; a recording that cannot be trusted is turned down with the reason.
 
 #include "measure/MeasurementAnalysis.h"
-#include "SyntheticRoom.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <random>
 #include <tuple>
 
 namespace orvanta::measure {
 namespace {
 
-using testing::recordInRoom;
-using testing::Room;
-
 constexpr double kAccuracyMs = 0.1;
+
+struct RoomSpeaker
+{
+    double latenessMs = 0.0;
+    float gain = 1.0f;
+    std::vector<double> jitterMs{}; // added to the lateness of each repeat in turn
+    std::vector<bool> lost{};       // repeats in which this speaker is not heard
+};
+
+struct Room
+{
+    std::array<RoomSpeaker, 2> speakers{};
+    double microphoneLatencyMs = 37.0; // the recording starts this long before the script does
+    float noiseRms = 0.01f;
+};
+
+std::size_t framesOf(double ms)
+{
+    return static_cast<std::size_t>(std::lround(ms * kRate / 1000.0));
+}
+
+std::vector<float> recordInRoom(const Room& room)
+{
+    std::vector<float> recording(kRecordingFrames, 0.0f);
+    std::mt19937 random(1);
+    std::normal_distribution<float> noise(0.0f, room.noiseRms);
+    for (auto& sample : recording) {
+        sample = room.noiseRms > 0.0f ? noise(random) : 0.0f;
+    }
+    for (std::size_t member = 0; member < 2; ++member) {
+        const auto& speaker = room.speakers[member];
+        const auto signal = memberSignal(member);
+        for (std::size_t repeat = 0; repeat < kRepeats; ++repeat) {
+            const double jitter = repeat < speaker.jitterMs.size() ? speaker.jitterMs[repeat] : 0.0;
+            const std::size_t at = framesOf(room.microphoneLatencyMs) + scheduledStart(member, repeat) +
+                                   framesOf(speaker.latenessMs + jitter);
+            const bool heard = repeat >= speaker.lost.size() || !speaker.lost[repeat];
+            for (std::size_t i = 0; heard && i < signal.size() && at + i < recording.size(); ++i) {
+                recording[at + i] += speaker.gain * signal[i];
+            }
+        }
+    }
+    return recording;
+}
 
 Room roomWith(double primaryMs, double secondaryMs)
 {
@@ -25,7 +67,6 @@ Room roomWith(double primaryMs, double secondaryMs)
     room.speakers[1].latenessMs = secondaryMs;
     return room;
 }
-
 TEST(MeasurementAnalysis, EitherSpeakerMayBeLaterEvenBeyondTheLongestDelayAndTheMicrophoneLatencyDropsOut)
 {
     for (const auto& [primary, secondary, microphone] : {std::tuple{20.0, 190.0, 5.0}, std::tuple{20.0, 190.0, 120.0},
