@@ -67,12 +67,15 @@ Room roomWith(double primaryMs, double secondaryMs)
     room.speakers[1].latenessMs = secondaryMs;
     return room;
 }
-TEST(MeasurementAnalysis, EitherSpeakerMayBeLaterEvenBeyondTheLongestDelayAndTheMicrophoneLatencyDropsOut)
+TEST(MeasurementAnalysis, EitherSpeakerMayBeLaterEvenBeyondTheLongestDelayWhateverItsPolarityAndTheMicrophoneDropsOut)
 {
-    for (const auto& [primary, secondary, microphone] : {std::tuple{20.0, 190.0, 5.0}, std::tuple{20.0, 190.0, 120.0},
-                                                         std::tuple{245.0, 12.0, 37.0}, std::tuple{0.0, 650.0, 37.0}}) {
+    // A speaker wired the other way round plays its sweep upside down.
+    for (const auto& [primary, secondary, microphone, polarity] :
+         {std::tuple{20.0, 190.0, 5.0, 1.0f}, std::tuple{20.0, 190.0, 120.0, -1.0f},
+          std::tuple{245.0, 12.0, 37.0, 1.0f}, std::tuple{0.0, 650.0, 37.0, -0.5f}}) {
         Room room = roomWith(primary, secondary);
         room.microphoneLatencyMs = microphone;
+        room.speakers[1].gain = polarity;
         const auto outcome = analyseRecording(recordInRoom(room));
         ASSERT_EQ(outcome.status, MeasurementStatus::Measured) << primary << " " << secondary << " " << microphone;
         EXPECT_NEAR(outcome.latenessMs[0], std::max(0.0, primary - secondary), kAccuracyMs);
@@ -113,7 +116,7 @@ TEST(MeasurementAnalysis, ASilentSpeakerIsNamedNearSilenceIsTooQuietAndSweepsDro
     }
     Room room = roomWith(20.0, 190.0);
     room.speakers[0].gain = room.speakers[1].gain = 0.0f;
-    for (const float noise : {0.0005f, 0.0f}) {
+    for (const float noise : {0.0005f, 0.0f}) { // a muted microphone records exact zeros
         room.noiseRms = noise;
         EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::TooQuiet) << noise;
     }
