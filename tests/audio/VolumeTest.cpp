@@ -103,7 +103,6 @@ TEST(HardwareVolumeMemo, TheProbesGuessHoldsUntilTheFirstSetThenTheSetsOutcomeIs
     EXPECT_FALSE(sim.audio.supportsHardwareVolume("bt"));
     EXPECT_TRUE(sim.audio.supportsHardwareVolume("stubborn"));
     EXPECT_FALSE(sim.audio.supportsHardwareVolume("later"));
-    EXPECT_EQ(sim.audio.deviceSupportsHardwareVolume().count("later"), 0u);
     sim.audio.setVolume("bt", 0.5f);
     sim.audio.setVolume("stubborn", 0.5f);
     sim.reset();

@@ -1,5 +1,4 @@
-// Whole-file replacement: the old file stays, with nothing left behind, when the temporary file cannot
-// be made or the rename is refused.
+// Whole-file replacement: when the rename is refused or the folder is missing, the old file stays.
 
 #include "files/FileReplace.h"
 

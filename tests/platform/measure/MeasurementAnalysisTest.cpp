@@ -1,7 +1,8 @@
-// From a recording of a whole measurement, made in memory as a microphone in a room would, to the
-// speakers' relative lateness; a recording that cannot be trusted is turned down with the reason.
+// From a recording made in memory as a microphone in a room would to the speakers' relative lateness.
 
 #include "measure/MeasurementAnalysis.h"
+#include "measure/ArrivalFinder.h"
+#include "measure/MeasurementPlan.h"
 
 #include <gtest/gtest.h>
 
@@ -123,6 +124,16 @@ TEST(MeasurementAnalysis, ASilentSpeakerIsNamedNearSilenceIsTooQuietAndSweepsDro
     room.speakers[0].gain = room.speakers[1].gain = 0.002f;
     room.noiseRms = 0.3f;
     EXPECT_EQ(analyseRecording(recordInRoom(room)).status, MeasurementStatus::TooNoisy);
+}
+
+TEST(ArrivalFinder, TheCombLinesUpWithArrivalsAPeriodApartPastALoneLoudPeakAndDoesNotSlidePastALostFirstOne)
+{
+    std::vector<float> envelope(10 * kRate, 1.0f);
+    envelope[5000] = 80.0f;
+    for (const std::size_t period : {1u, 2u, 3u}) { // the first arrival, at 31000, is lost
+        envelope[31000 + period * 2 * kRate] = 50.0f;
+    }
+    EXPECT_NEAR(static_cast<double>(alignComb(envelope, 2 * kRate, 4, envelope.size())), 31000.0, 2.0 * kRate / 1000);
 }
 
 } // namespace
