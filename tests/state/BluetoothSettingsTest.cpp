@@ -33,17 +33,14 @@ TEST_F(BluetoothSettings, DelaysAreClampedAndStoredWholeAndApplyOnlyToADeviceCou
     app.setBluetoothDelay(100, std::nullopt);
     EXPECT_EQ(stored("bluetoothDelaysByUID"), (QVariantMap{{"bt", 600}, {"wired", 200}}));
     EXPECT_EQ(memoryDefaults.writes, 3);
-    EXPECT_EQ(app.effectiveDelay(kBluetooth), 600);
-    EXPECT_EQ(app.effectiveDelay(kWired), 0);
-    EXPECT_EQ(app.storedDelay(kWired), 200);
-    EXPECT_EQ(app.effectiveDelay(std::nullopt), 0);
-    EXPECT_FALSE(app.countsAsBluetooth(std::nullopt));
+    EXPECT_EQ(std::tuple(app.effectiveDelay(kBluetooth), app.effectiveDelay(kWired), app.storedDelay(kWired),
+                         app.effectiveDelay(std::nullopt)),
+              std::tuple(600, 0, 200, 0));
     app.setManualBluetoothOverride(true, kWired);
     EXPECT_EQ(app.effectiveDelay(kWired), 200);
     app.setManualBluetoothOverride(false, kBluetooth); // a device's own report outweighs the mark
-    EXPECT_TRUE(app.countsAsBluetooth(kBluetooth));
     app.setManualBluetoothOverride(false, kWired);
-    EXPECT_FALSE(app.countsAsBluetooth(kWired));
+    EXPECT_TRUE(app.countsAsBluetooth(kBluetooth) && !app.countsAsBluetooth(kWired));
     EXPECT_EQ(stored("manualBluetoothByUID"), (QVariantMap{{"bt", false}, {"wired", false}}));
 }
 
@@ -86,21 +83,18 @@ TEST_F(BluetoothSettings, StoredMapsLoadWholeOrNotAtAllAndAnUnusableOneIsLeftUnt
     const QString path = dir.filePath("settings.json");
     const QByteArray written = R"({"bluetoothDelaysByUID": {"bt": 150, "other": 2000000000},
                                    "manualBluetoothByUID": {"spk": false}})";
-    const auto fileText = [&path] {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.write(written);
+    file.close();
     {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(written);
-    }
-    {
-        desktop::JsonFileUserDefaults file(path);
-        auto& app = start(&file);
+        desktop::JsonFileUserDefaults defaults(path);
+        auto& app = start(&defaults);
         EXPECT_TRUE(app.bluetoothDelays().empty());
         EXPECT_EQ(app.manualBluetoothOverrides(), (state::OverrideMap{{"spk", false}}));
-        EXPECT_EQ(fileText(), written);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), written);
+        file.close();
         app.setBluetoothDelay(175, kBluetooth);
         app.setManualBluetoothOverride(true, kWired);
         appState.reset();

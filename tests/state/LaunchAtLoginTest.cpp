@@ -12,7 +12,6 @@
 #include <QTemporaryDir>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace orvanta::testing {
 namespace {
@@ -38,9 +37,7 @@ TEST_F(PermissionWatch, StartsWithTheLiveValueAndOneLivePollAnnouncesTheFlagEver
     const int before = trust.queries;
     ASSERT_TRUE(runUntil([&] { return trust.queries > before; }, std::chrono::milliseconds(2500)));
     drainEvents();
-    EXPECT_EQ(trust.queries, before + 1); // one live timer, not three
-    EXPECT_EQ(announcements, 1);          // the flag held, and was announced all the same
-    EXPECT_FALSE(app.isTrusted());
+    EXPECT_EQ(std::pair(trust.queries, announcements), std::pair(before + 1, 1)); // one live timer; announced unchanged
 
     trust.trusted = true;
     ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
@@ -59,10 +56,9 @@ TEST_F(PermissionWatch,
     EXPECT_EQ(loginItems.registerCalls + loginItems.unregisterCalls, 0);
     appState->setLaunchAtLogin(true);
     appState->setLaunchAtLogin(true);
-    EXPECT_EQ(loginItems.registerCalls, 2);
     appState->setLaunchAtLogin(false);
     appState->setLaunchAtLogin(false);
-    EXPECT_EQ(loginItems.unregisterCalls, 2);
+    EXPECT_EQ(std::pair(loginItems.registerCalls, loginItems.unregisterCalls), std::pair(2, 2));
     EXPECT_THAT(sim.printed.lines, IsEmpty());
 
     loginItems.registerError = QStringLiteral("cannot write here: Permission denied");
@@ -91,7 +87,7 @@ protected:
     }
 };
 
-TEST_F(XdgAutostart, RegisterWritesAnEntryADesktopStartsAndUnregisterRemovesIt)
+TEST_F(XdgAutostart, RegisterWritesAnEntryADesktopStartsUnregisterRemovesItAndAFileInPlaceOfTheFolderIsAReadableError)
 {
     EXPECT_EQ(items.status(), Status::NotRegistered);
     ASSERT_EQ(items.registerItem(), std::nullopt);
@@ -99,22 +95,25 @@ TEST_F(XdgAutostart, RegisterWritesAnEntryADesktopStartsAndUnregisterRemovesIt)
     QFile file(entry);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(file.readAll());
-    EXPECT_TRUE(text.startsWith("[Desktop Entry]\n"));
-    EXPECT_TRUE(text.contains("\nType=Application\n"));
-    EXPECT_TRUE(text.contains("\nExec=\"/opt/Orvanta Apps/bin/orvanta\"\n")) << text.toStdString();
+    EXPECT_TRUE(text.startsWith("[Desktop Entry]\n") && text.contains("\nType=Application\n") &&
+                text.contains("\nExec=\"/opt/Orvanta Apps/bin/orvanta\"\n"))
+        << text.toStdString();
 
     ASSERT_EQ(items.unregisterItem(), std::nullopt);
     EXPECT_FALSE(QFileInfo::exists(entry));
     EXPECT_EQ(items.unregisterItem(), std::nullopt); // nothing left to remove is not a failure
+
+    QFile blocker(folder); // nothing can make a folder where a file stands, not even root
+    ASSERT_TRUE(QDir(folder).removeRecursively() && blocker.open(QIODevice::WriteOnly));
+    EXPECT_EQ(items.registerItem(), "cannot create the folder " + folder);
 }
 
 TEST(DesktopEntryExec, QuotesAndEscapesThePathAndDoublesPercentSigns)
 {
     for (const auto& [path, exec] : std::initializer_list<std::pair<QString, QString>>{
              {"/usr/bin/orvanta", R"("/usr/bin/orvanta")"},
-             {R"(/a$b/"c")", R"("/a\\$b/\\"c\\"")"},
-             {"/opt/%u", R"("/opt/%%u")"}, // a '%' would start a field code, inside the quotes too
-             // Quoting first (backslash before '"', '$', '`', '\'), then each backslash doubled, a newline as \n.
+             // Quoting first (backslash before '"', '$', '`', '\'), then each backslash doubled, a newline as \n;
+             // a '%' would start a field code, inside the quotes too.
              {"/opt/a b/100% \"$x`\\y\nz", R"("/opt/a b/100%% \\"\\$x\\`\\\\y\nz")"}}) {
         EXPECT_EQ(desktop::desktopEntryExec(path), exec) << path.toStdString();
     }
@@ -124,7 +123,6 @@ TEST_F(XdgAutostart, AnEntryHiddenSwitchedOffTheGnomeWayOrNoFileCountsAsOff)
 {
     for (const auto& [text, status] : std::initializer_list<std::pair<QByteArray, Status>>{
              {"[Desktop Entry]\nType=Application\nExec=orvanta\nHidden = true\n", Status::NotRegistered},
-             {"[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=false\n", Status::NotRegistered},
              {"[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled = false\n", Status::NotRegistered},
              {"[Desktop Entry]\nExec=orvanta\nX-GNOME-Autostart-enabled=true\n", Status::Enabled},
              {"[Desktop Entry]\nExec=orvanta\nHidden=false\n", Status::Enabled},
@@ -141,31 +139,10 @@ TEST_F(XdgAutostart, AnEntryHiddenSwitchedOffTheGnomeWayOrNoFileCountsAsOff)
 
 TEST_F(XdgAutostart, AnEntryLeftHalfWrittenByAKilledWriterIsClearedAtStart)
 {
-    QDir().mkpath(folder);
-    QFile stale(entry + ".tmp-Qw3Er5");
-    ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
-    stale.close();
+    statusOf("[Desktop Entry]\n");
+    ASSERT_TRUE(QFile::rename(entry, entry + ".tmp-Qw3Er5"));
     desktop::XdgAutostartLoginItems next(entry, "/usr/bin/orvanta");
     EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{});
-}
-
-TEST_F(XdgAutostart, AFileInPlaceOfTheFolderGivesAReadableError)
-{
-    QFile blocker(folder); // nothing can make a folder where a file stands, not even root
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    EXPECT_EQ(items.registerItem(), "cannot create the folder " + folder);
-}
-
-TEST_F(XdgAutostart, AReadOnlyFolderGivesAReadableError)
-{
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root writes to read-only folders";
-    }
-    QDir().mkpath(folder);
-    ASSERT_EQ(chmod(QFile::encodeName(folder).constData(), 0555), 0);
-    const auto error = items.registerItem();
-    ASSERT_TRUE(error.has_value());
-    EXPECT_TRUE(error->startsWith("cannot write " + entry)) << error->toStdString();
 }
 
 } // namespace

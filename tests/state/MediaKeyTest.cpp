@@ -20,19 +20,12 @@ TapEvent mediaKey(qint64 keyCode, qint64 state, qint64 flags = 0)
 }
 
 class MediaKeys : public ::testing::Test, protected StateFixture
-{
-protected:
-    MediaKeys()
-    {
-        QObject::connect(&mediaKeys, &state::MediaKeyManager::masterVolumeStep,
-                         [this](float step) { steps.push_back(step); });
-    }
-
-    std::vector<float> steps;
-};
+{};
 
 TEST_F(MediaKeys, OnlyVolumeKeyDownsAreDroppedAndAnnouncedAsStepsAfterTheTapReturns)
 {
+    std::vector<float> steps;
+    QObject::connect(&mediaKeys, &state::MediaKeyManager::masterVolumeStep, [&](float step) { steps.push_back(step); });
     mediaKeys.start();
     const std::vector<TapEvent> others{mediaKey(0, kUp),
                                        mediaKey(1, kUp),
@@ -59,8 +52,7 @@ TEST_F(MediaKeys, WithoutPermissionStartPrintsTheFailureAndKeepsNoTapAndOnceAllo
     taps.allowed = true;
     mediaKeys.start();
     mediaKeys.start();
-    EXPECT_TRUE(mediaKeys.hasTap());
-    EXPECT_EQ(taps.created, 1);
+    EXPECT_TRUE(mediaKeys.hasTap() && taps.created == 1);
 }
 
 TEST_F(MediaKeys, VolumeKeysStepBothVolumesEachClampedSeparatelyWithSyncOnAndAfterItIsOff)
@@ -75,7 +67,6 @@ TEST_F(MediaKeys, VolumeKeysStepBothVolumesEachClampedSeparatelyWithSyncOnAndAft
         EXPECT_EQ(app.volume1() == 0.0f, press >= 8) << press; // eight presses from half reach silence
     }
     EXPECT_EQ(app.volume2(), 0.125f);
-    EXPECT_EQ(sim.system.device(sim.idOf("spk"))->spec.virtualMainVolume.level, 0.0f);
     EXPECT_EQ(sim.system.device(sim.idOf("bt"))->spec.channelVolumes[1].level, 0.125f);
 
     app.disableSync();

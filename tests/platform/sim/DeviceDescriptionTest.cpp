@@ -1,5 +1,4 @@
-// A device description comes from outside: whatever it holds, reading it ends quickly, with a
-// description of bounded size or one printable line naming the file and the problem.
+// Whatever a device description holds, reading it ends with a bounded description or one printable line.
 
 #include "sim/DeviceDescription.h"
 
@@ -46,38 +45,24 @@ TEST(DeviceDescription, ReadsEveryFieldFromAFile)
 {
     QTemporaryDir dir;
     const std::string path = dir.filePath("devices.json").toStdString();
-    std::ofstream(path) << R"({
-        "defaultOutput": "bt",
-        "failures": [{"call": "createAggregateDevice", "status": 1852797029}],
-        "devices": [
-          {"name": "Speakers", "uid": "spk", "id": 40, "transport": "bltn", "sampleRate": 48000,
-           "virtualMainVolume": {"writable": false, "level": 0.25}},
-          {"name": "BT", "uid": "bt", "transport": "blue", "sampleRate": 44100, "inputStreams": 1,
-           "channelVolumes": [{}, {"writable": false}], "mainVolume": {},
-           "failures": [{"call": "getPropertyData", "selector": "nsrt", "scope": "glob", "element": 0,
-                         "status": -50}]}
-        ]})";
+    std::ofstream(path) << R"({"defaultOutput": "bt", "failures": [{"call": "createAggregateDevice", "status": 7}],
+        "devices": [{"name": "S", "uid": "spk", "id": 40, "transport": "bltn", "virtualMainVolume": {"level": 0.25}},
+          {"name": "BT", "uid": "bt", "sampleRate": 44100, "inputStreams": 1, "channelVolumes": [{}, {"writable": false}],
+           "mainVolume": {}, "failures": [{"call": "getPropertyData", "selector": "nsrt", "status": -50}]}]})";
     const auto result = loadDeviceDescription(path);
     ASSERT_TRUE(std::holds_alternative<SystemSpec>(result)) << std::get<std::string>(result);
     const auto& spec = std::get<SystemSpec>(result);
     ASSERT_EQ(spec.devices.size(), 2u);
-    EXPECT_EQ(spec.defaultOutputUID, "bt");
-    ASSERT_EQ(spec.failures.size(), 1u);
-    EXPECT_EQ(spec.failures[0].call, CallKind::CreateAggregateDevice);
-    EXPECT_EQ(spec.failures[0].status, 1852797029);
-    const auto& speakers = spec.devices[0];
-    EXPECT_EQ(std::tuple(speakers.id, speakers.transportType, speakers.outputStreams,
-                         speakers.virtualMainVolume.present, speakers.virtualMainVolume.writable,
+    const auto& [speakers, bt] = std::tie(spec.devices[0], spec.devices[1]);
+    EXPECT_EQ(std::tuple(*spec.defaultOutputUID, spec.failures.at(0).call, spec.failures.at(0).status),
+              std::tuple("bt", CallKind::CreateAggregateDevice, 7));
+    EXPECT_EQ(std::tuple(speakers.id, speakers.transportType, speakers.virtualMainVolume.present,
                          speakers.virtualMainVolume.level),
-              std::tuple(std::optional(40u), hal::kAudioDeviceTransportTypeBuiltIn, 1u, true, false, 0.25f));
-    const auto& bt = spec.devices[1];
-    EXPECT_EQ(std::tuple(bt.nominalSampleRate, bt.inputStreams, bt.mainVolume.present, bt.virtualMainVolume.present),
-              std::tuple(44100.0, 1u, true, false));
-    ASSERT_EQ(bt.channelVolumes.size(), 2u);
-    EXPECT_TRUE(bt.channelVolumes[0].writable);
-    EXPECT_FALSE(bt.channelVolumes[1].writable);
-    ASSERT_EQ(bt.failures.size(), 1u);
-    EXPECT_EQ(std::tuple(bt.failures[0].selector, bt.failures[0].status),
+              std::tuple(std::optional(40u), hal::kAudioDeviceTransportTypeBuiltIn, true, 0.25f));
+    EXPECT_EQ(std::tuple(bt.nominalSampleRate, bt.inputStreams, bt.mainVolume.present, bt.virtualMainVolume.present,
+                         bt.channelVolumes.size(), bt.channelVolumes.back().writable),
+              std::tuple(44100.0, 1u, true, false, 2u, false));
+    EXPECT_EQ(std::tuple(bt.failures.at(0).selector, bt.failures.at(0).status),
               std::tuple(std::optional(hal::kAudioDevicePropertyNominalSampleRate), -50));
 }
 
@@ -97,10 +82,8 @@ TEST(DeviceDescription, EachProblemGivesOneLineNamingFileAndProblemAndEachLimitI
     const std::vector<std::pair<std::string, std::string>> cases{
         {"{\"devices\": [", "devices.json: invalid JSON at line 1, column 14: "},
         {"[]", "devices.json: expected a JSON object at the top level"},
-        {R"({"devices": {}})", "devices.json: top level.devices: expected an array"},
         {R"({"devices": [{"uid": "x"}]})", "devices.json: devices[0].name: expected a string"},
         {oneDevice(R"("transport": "bluetooth")"), kTransport + "\"bluetooth\""},
-        {oneDevice(R"("sampleRate": "fast")"), "devices.json: devices[0].sampleRate: expected a number"},
         {oneDevice(R"("outputStreams": -1)"),
          "devices.json: devices[0].outputStreams: expected a whole number in range"},
         {oneDevice(R"("virtualMainVolume": {"level": 2})"),
@@ -112,9 +95,7 @@ TEST(DeviceDescription, EachProblemGivesOneLineNamingFileAndProblemAndEachLimitI
          "devices.json: devices[1].id: ID 7 is used twice"},
         {R"({"devices": [{"name": "a", "uid": "a", "id": 1}]})",
          "devices.json: devices[0].id: IDs 0 and 1 are taken by the system"},
-        // Every count, list and text has a limit.
         {oneDevice(R"("outputStreams": 4294967295)"), "devices.json: devices[0].outputStreams: more than 64"},
-        {oneDevice(R"("inputStreams": 65)"), "devices.json: devices[0].inputStreams: more than 64"},
         {oneDevice(R"("outputStreams": 64, "inputStreams": 64)"), "(no error)"},
         {R"({"devices": )" + repeated(device, kMaxDescriptionDevices + 1) + "}",
          "devices.json: top level.devices: more than 256 entries"},
@@ -126,11 +107,8 @@ TEST(DeviceDescription, EachProblemGivesOneLineNamingFileAndProblemAndEachLimitI
         {R"({"devices": [{"name": ")" + longest + R"(", "uid": "x"}]})", "(no error)"},
         {R"({"devices": [{"name": ")" + longest + R"(n", "uid": "x"}]})",
          "devices.json: devices[0].name: longer than 1024 bytes"},
-        // Control characters from the document are escaped, and long texts cut at a character.
         {oneDevice(R"("a\nb\u001b[31m": 1)"), R"(devices.json: devices[0]: unknown member "a\nb\x1b[31m")"},
         {oneDevice(R"("transport": "\u009b2J\t")"), kTransport + R"("\u009b2J\t")"},
-        {oneDevice(R"("failures": [{"call": "x\r\u0007", "status": 1}])"),
-         R"(devices.json: devices[0].failures[0].call: unknown call "x\r\x07")"},
         {oneDevice("\"" + std::string(100000, 'k') + "\": 1"),
          "devices.json: devices[0]: unknown member \"" + std::string(80, 'k') + "...\""},
         {oneDevice(R"("transport": "e)" + accents + "\""), kTransport + "\"e" + cutAccents + "...\""},
