@@ -17,6 +17,8 @@
 #include <QSignalBlocker>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace orvanta::ui {
 
 MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& languageManager, OpenWindowAction openAction,
@@ -27,7 +29,7 @@ MenuBarView::MenuBarView(state::AppState& state, i18n::LanguageManager& language
     setObjectName(QStringLiteral("panel"));
     // A screen reader names the panel after the program, like its window.
     setAccessibleName(QStringLiteral("Orvanta"));
-    setFixedWidth(kWidth);
+    setMinimumWidth(kWidth);
     const QFont base = font();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(12, 12, 12, 12);
@@ -148,11 +150,13 @@ void MenuBarView::redraw()
     }
 }
 
+// kWidth wide, or wider where a language's one-line text needs more, so that none is cut.
 QSize MenuBarView::sizeHint() const
 {
+    const int width = std::max(kWidth, layout()->totalMinimumSize().width());
     const int height =
-        layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(kWidth) : layout()->totalSizeHint().height();
-    return {kWidth, height};
+        layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : layout()->totalSizeHint().height();
+    return {width, height};
 }
 
 void MenuBarView::focusFirstControl()

@@ -1,6 +1,6 @@
 // The views at larger text and in several languages, on the screen of a 1366x768 laptop: every
-// control in the accessibility tree is named, Tab follows the order controls are seen in, and the
-// window stays on the screen with what does not fit reached by scrolling.
+// control in the accessibility tree is named, Tab follows the order controls are seen in, no
+// one-line text is cut, and the window stays on the screen with what does not fit reached by scrolling.
 
 #include "UiFixture.h"
 
@@ -59,6 +59,24 @@ void expectReadingOrder(QWidget* root)
         const bool further = leftToRight ? after.left() >= before.right() - 1 : after.right() <= before.left() + 1;
         EXPECT_TRUE(below || (sameLine && further))
             << order[i - 1]->objectName().toStdString() << " then " << order[i]->objectName().toStdString();
+    }
+}
+
+// Every one-line text shown in root is as wide as its text needs.
+void expectNothingCut(const QWidget* root, const std::string& where)
+{
+    for (const QLabel* label : root->findChildren<QLabel*>()) {
+        if (shown(label) && !label->wordWrap() && !label->text().isEmpty() &&
+            qobject_cast<const ui::ElidedLabel*>(label) == nullptr) {
+            EXPECT_GE(label->contentsRect().width(), label->fontMetrics().horizontalAdvance(label->text()))
+                << where << ": " << label->objectName().toStdString();
+        }
+    }
+    for (const QAbstractButton* button : root->findChildren<QAbstractButton*>()) {
+        if (shown(button) && !button->text().isEmpty()) {
+            EXPECT_GE(button->width(), button->sizeHint().width())
+                << where << ": " << button->objectName().toStdString();
+        }
     }
 }
 
@@ -134,7 +152,10 @@ TEST_P(Accessibility, EveryControlOfTheWindowAndThePanelHasANameTabReadsInOrderA
           QStringLiteral("Кыргызча"), QStringLiteral("العربية")}) {
         lang.setCurrentLanguage(language);
         drainEvents();
-        expectOnScreen(window, language.toStdString() + " at " + std::to_string(GetParam()));
+        const std::string where = language.toStdString() + " at " + std::to_string(GetParam());
+        expectOnScreen(window, where);
+        expectNothingCut(window.content(), where);
+        expectNothingCut(&panel, "panel in " + where);
         expectReadingOrder(window.content());
         expectReadingOrder(&panel);
         const std::vector<QString> names = controlNames(&panel); // each retitled in another language

@@ -22,7 +22,7 @@ QJsonObject readState(const QString& path)
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
-TEST(SimStateFile, MirrorsEveryChange)
+TEST(SimStateFile, MirrorsEveryChangeAndAnUnwritablePathIsAnError)
 {
     DeviceSpec speakers;
     speakers.name = speakers.uid = "spk";
@@ -33,6 +33,8 @@ TEST(SimStateFile, MirrorsEveryChange)
     QTemporaryDir dir;
     const QString path = dir.filePath("state.json");
     std::string error;
+    EXPECT_FALSE(watchStateInFile(system, "/nonexistent-dir/state.json", error));
+    EXPECT_EQ(error.rfind("/nonexistent-dir/state.json: cannot write the simulated state", 0), 0u) << error;
     ASSERT_TRUE(watchStateInFile(system, path.toStdString(), error)) << error;
     EXPECT_EQ(readState(path)["defaultOutput"].toString(), "spk");
 
