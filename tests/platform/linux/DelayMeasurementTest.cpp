@@ -38,6 +38,7 @@ protected:
             ASSERT_TRUE(room->build(truth.primaryMs, truth.secondaryMs));
         });
         ASSERT_NE(node, nullptr);
+        drainEvents(); // what the backend queued for the main thread while connecting, as the program's loop would
         measurement = std::make_unique<pipewire::MicrophoneMeasurement>(*node);
     }
 
