@@ -1,9 +1,8 @@
 #pragma once
 
-// A meter for what the user hears from a stacked device, on a private sound server. The
-// members are remaps of one 6-channel null sink ("hw"): member "mA" plays on its front pair,
-// "mB" on its rear pair, and a plain sink "ref" outside the stacked device on the centre pair.
-// Recording hw's monitor in one stream times all three by the same clock, to the frame.
+// A meter for what the user hears from a stacked device, on a private sound server. The members
+// are remaps of one 4-channel null sink ("hw"): "mA" plays on its front pair, "mB" on its rear
+// pair. Recording hw's monitor in one stream times both by the same clock, to the frame.
 
 #include "support/SoundServer.h"
 
@@ -17,16 +16,15 @@
 namespace orvanta::testing {
 
 inline constexpr int kMeterRate = 48000;
-inline constexpr int kMeterChannels = 6;
+inline constexpr int kMeterChannels = 4;
 // The first channel of each pair in a recording.
 inline constexpr int kMemberA = 0;
 inline constexpr int kMemberB = 2;
-inline constexpr int kReference = 4;
 
 // Interleaved float samples: stereo for a track, kMeterChannels for a recording.
 using Samples = std::vector<float>;
 
-// Loads hw, mA, mB and ref.
+// Loads hw, mA and mB.
 bool loadMeterRig(const SoundServer& server);
 
 // Silence with a short click at each of the given times (in seconds).
@@ -76,6 +74,7 @@ struct ToneCheck
     double largestStep = 0;        // the largest change between two samples
     double toneStep = 0;           // the largest such change in the undisturbed tone
     bool finiteWithinScale = true; // every sample finite and within [-1, 1]
+    double level = 0;              // the RMS over half a second, once settled (full scale 1)
 };
 std::optional<ToneCheck> checkTone(const Samples& recording, int channel);
 
@@ -91,26 +90,12 @@ std::optional<ToneCheck> changedMemberTone(const SoundServer& server, double sec
 // The longest stretch, in ms, in which mA fell silent when change ran a second into a tone.
 std::optional<double> longestSilenceMs(const SoundServer& server, const std::function<void()>& change);
 
-// How loud each member plays a steady tone: the RMS of mA's and mB's left channels, at full scale 1.
+// How loud mA and mB play a steady tone (the RMS of their left channels).
 struct MemberLevels
 {
     double primary = 0.0;
     double secondary = 0.0;
 };
 std::optional<MemberLevels> measureMemberLevels(const SoundServer& server);
-
-// What a player is told about latency, against what it gets. One thread plays the same sound through
-// two libpulse streams, into the stacked device and into "ref", and asks each for its latency (as
-// video players do) just before writing a click into it; both clicks are timed by the one clock.
-struct LatencyProbe
-{
-    double toldStackedMs = 0;   // what the stream into the stacked device was told
-    double toldReferenceMs = 0; // what the stream into "ref" was told
-    double writeGapMs = 0;      // how much later the click went to ref than to the stacked device
-    long stackedClick = -1;     // the frame at which the later member played the click
-    long referenceClick = -1;   // the frame at which ref played it
-};
-// Null when a stream could not play or a click was not heard.
-std::optional<LatencyProbe> probeLatency(const SoundServer& server);
 
 } // namespace orvanta::testing

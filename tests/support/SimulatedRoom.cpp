@@ -34,13 +34,10 @@ bool SimulatedRoom::build(int primaryMs, int secondaryMs)
             return false;
         }
     }
-    const std::array<std::pair<const char*, int>, 2> speakers{{{"mA", primaryMs}, {"mB", secondaryMs}}};
-    for (std::size_t i = 0; i < speakers.size(); ++i) {
-        loopbacks[i] =
-            server.loadModule("module-loopback", {QString("source=%1.monitor").arg(speakers[i].first), "sink=room",
-                                                  QString("latency_msec=%1").arg(speakers[i].second),
-                                                  "source_dont_move=true", "sink_dont_move=true"});
-        if (loopbacks[i] < 0) {
+    for (const auto& [speaker, latencyMs] : {std::pair{"mA", primaryMs}, std::pair{"mB", secondaryMs}}) {
+        if (server.loadModule("module-loopback", {QString("source=%1.monitor").arg(speaker), "sink=room",
+                                                  QString("latency_msec=%1").arg(latencyMs), "source_dont_move=true",
+                                                  "sink_dont_move=true"}) < 0) {
             return false;
         }
     }
@@ -59,12 +56,6 @@ std::optional<double> SimulatedRoom::clickLatenessMs(int holdBackMs) const
         return std::nullopt;
     }
     return static_cast<double>(onsets[1] - onsets[0]) * 1000.0 / kMeterRate - holdBackMs;
-}
-
-bool SimulatedRoom::silence(int speaker)
-{
-    const auto index = loopbacks.at(static_cast<std::size_t>(speaker));
-    return index >= 0 && !server.pactl({"unload-module", QString::number(index)}).isNull();
 }
 
 } // namespace orvanta::testing

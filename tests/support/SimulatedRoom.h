@@ -7,7 +7,6 @@
 #include "support/OffsetMeter.h"
 #include "support/SoundServer.h"
 
-#include <array>
 #include <memory>
 #include <optional>
 
@@ -22,15 +21,12 @@ public:
 
     // Loads the sinks, one loopback per speaker with these latencies (ms), and starts the noise.
     bool build(int primaryMs, int secondaryMs);
-    // The room no longer hears a speaker (0 primary, 1 secondary).
-    bool silence(int speaker);
     // How much later the room hears the primary speaker than the secondary, from a click played into
     // the stacked device with the primary held back by holdBackMs (so that the two clicks come apart).
     std::optional<double> clickLatenessMs(int holdBackMs) const;
 
 private:
     const SoundServer& server;
-    std::array<long long, 2> loopbacks{-1, -1};
     std::unique_ptr<Player> noise;
 };
 

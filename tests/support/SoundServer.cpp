@@ -1,20 +1,18 @@
 #include "SoundServer.h"
 
+#include "support/EventLoop.h"
+
 #include <QDebug>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocalSocket>
 #include <QThread>
 
-#include <algorithm>
 #include <csignal>
-#include <cstring>
 #include <functional>
 
 #include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace orvanta::testing {
@@ -27,33 +25,13 @@ constexpr char kNoBluetoothMonitor[] =
     "-- A private test server: no Bluetooth monitor, and so no logind seat tracking.\n"
     "bluez_monitor.enabled = false\n";
 
-bool writeFile(const QString& path, const QByteArray& contents)
-{
-    if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
-        return false;
-    }
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(contents) == contents.size();
-}
-
 // True once something listens on the Unix socket at path. A socket file alone is not enough: one
 // left by a killed server stays behind until the next one takes it over.
 bool socketAccepts(const QString& path)
 {
-    const QByteArray name = QFile::encodeName(path);
-    sockaddr_un address{};
-    if (name.size() >= static_cast<qsizetype>(sizeof(address.sun_path))) {
-        return false;
-    }
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) {
-        return false;
-    }
-    const bool connected = ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    ::close(fd);
-    return connected;
+    QLocalSocket socket;
+    socket.connectToServer(path);
+    return socket.waitForConnected(1000);
 }
 
 // Whether process has ended. Without an event loop its state is only brought up to date by a
@@ -66,15 +44,7 @@ bool exited(QProcess& process)
 // Polls until done() holds, for at most milliseconds; gives up early once process has exited.
 bool waitFor(const std::function<bool()>& done, int milliseconds, QProcess& process)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > milliseconds || exited(process)) {
-            return done();
-        }
-        QThread::msleep(20);
-    }
-    return true;
+    return pollUntil([&] { return done() || exited(process); }, milliseconds, [] { QThread::msleep(20); }) && done();
 }
 
 QString logName(const QProcess& process)
@@ -87,7 +57,12 @@ QString logName(const QProcess& process)
 SoundServer::SoundServer(Kind kind) : serverKind(kind)
 {
     QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    writeFile(runtime.path() + "/config/wireplumber/bluetooth.lua.d/80-no-bluetooth-monitor.lua", kNoBluetoothMonitor);
+    const QString wireplumber = runtime.path() + "/config/wireplumber/bluetooth.lua.d";
+    QFile monitor(wireplumber + "/80-no-bluetooth-monitor.lua");
+    QDir().mkpath(wireplumber);
+    if (monitor.open(QIODevice::WriteOnly)) {
+        monitor.write(kNoBluetoothMonitor);
+    }
     qputenv("PULSE_SERVER", serverAddress().toUtf8());
     // This process's own PipeWire clients find this server's daemon, and only it.
     qputenv("PIPEWIRE_RUNTIME_DIR", runtime.path().toUtf8());
@@ -97,22 +72,9 @@ SoundServer::~SoundServer()
 {
     kill();
     if (sessionBusProcess) {
-        sessionBusProcess->terminate();
-        if (!sessionBusProcess->waitForFinished(3000)) {
-            sessionBusProcess->kill();
-            sessionBusProcess->waitForFinished(3000);
-        }
+        sessionBusProcess->kill();
+        sessionBusProcess->waitForFinished(3000);
     }
-}
-
-const char* SoundServer::name(Kind kind)
-{
-    return kind == Kind::PulseAudio ? "PulseAudio" : "PipeWire";
-}
-
-QString SoundServer::serverAddress() const
-{
-    return "unix:" + runtime.path() + "/pulse/native";
 }
 
 QProcessEnvironment SoundServer::environment() const
@@ -167,16 +129,6 @@ QProcess* SoundServer::launch(const QString& program, const QStringList& argumen
     return processes.back().get();
 }
 
-bool SoundServer::startSessionBus()
-{
-    // At an address of its own choosing in the runtime directory, so that it can be waited for
-    // and stays this server's; it outlives kill() and start(), as a user's session bus would.
-    const QString socket = runtime.path() + "/bus";
-    sessionBus = "unix:path=" + socket;
-    sessionBusProcess = spawn("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--address=" + sessionBus});
-    return waitFor([&] { return socketAccepts(socket); }, 5000, *sessionBusProcess);
-}
-
 bool SoundServer::start()
 {
     if (serverKind == Kind::PulseAudio) {
@@ -184,8 +136,15 @@ bool SoundServer::start()
                               "-L", "module-native-protocol-unix auth-anonymous=1"});
         return waitUntilAnswering(10000) || failed("PulseAudio did not answer within 10 s");
     }
-    if (!sessionBusProcess && !startSessionBus()) {
-        return failed("the session bus did not start within 5 s");
+    if (!sessionBusProcess) {
+        // At an address of its own in the runtime directory, so that it can be waited for and stays
+        // this server's; it outlives kill() and start(), as a user's session bus would.
+        const QString socket = runtime.path() + "/bus";
+        sessionBus = "unix:path=" + socket;
+        sessionBusProcess = spawn("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--address=" + sessionBus});
+        if (!waitFor([&] { return socketAccepts(socket); }, 5000, *sessionBusProcess)) {
+            return failed("the session bus did not start within 5 s");
+        }
     }
     // The session manager and the pulse server connect once, at start: the daemon must be
     // listening by then, however long it takes on a busy machine.
@@ -214,38 +173,24 @@ bool SoundServer::waitUntilPolicyRuns(int milliseconds) const
     // the only sink there is the default once the policy runs: a probe sink shows when, and goes.
     const QString probe = "orvanta.server.probe";
     const long long module = loadModule("module-null-sink", {"sink_name=" + probe});
-    if (module < 0) {
-        return false;
-    }
-    QElapsedTimer clock;
-    clock.start();
-    bool chosen = false;
-    while (!chosen && clock.elapsed() < milliseconds) {
-        chosen = pactl({"info"}).contains("Default Sink: " + probe + "\n");
-        if (!chosen) {
-            QThread::msleep(50);
-        }
-    }
+    const bool chosen =
+        module >= 0 && pollUntil([&] { return pactl({"info"}).contains("Default Sink: " + probe + "\n"); },
+                                 milliseconds, [] { QThread::msleep(50); });
     return !pactl({"unload-module", QString::number(module)}).isNull() && chosen;
 }
 
 bool SoundServer::failed(const QString& why) const
 {
     qWarning().noquote() << "The private" << name(serverKind) << "server failed to start:" << why;
-    std::vector<QProcess*> launched;
-    if (sessionBusProcess) {
-        launched.push_back(sessionBusProcess.get());
-    }
+    std::vector<QProcess*> launched{sessionBusProcess.get()};
     for (const auto& process : processes) {
         launched.push_back(process.get());
     }
     for (QProcess* process : launched) {
-        QFile log(runtime.path() + "/" + logName(*process));
-        const QString state =
-            exited(*process) ? QString("exited with %1").arg(process->exitCode()) : QString("running");
-        qWarning().noquote() << "---" << process->program() << state << "; its output:";
+        QFile log(process ? runtime.path() + "/" + logName(*process) : QString());
         if (log.open(QIODevice::ReadOnly)) {
-            qWarning().noquote() << QString::fromUtf8(log.readAll().right(4000));
+            qWarning().noquote() << "---" << process->program() << (exited(*process) ? "exited" : "running")
+                                 << "; its output:" << QString::fromUtf8(log.readAll().right(4000));
         }
     }
     return false;
@@ -260,31 +205,16 @@ void SoundServer::kill()
     processes.clear();
 }
 
-void SoundServer::freeze()
+void SoundServer::signalAll(int signal) const
 {
     for (const auto& process : processes) {
-        ::kill(static_cast<pid_t>(process->processId()), SIGSTOP);
-    }
-}
-
-void SoundServer::thaw()
-{
-    for (const auto& process : processes) {
-        ::kill(static_cast<pid_t>(process->processId()), SIGCONT);
+        ::kill(static_cast<pid_t>(process->processId()), signal);
     }
 }
 
 bool SoundServer::waitUntilAnswering(int milliseconds) const
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < milliseconds) {
-        if (!pactl({"info"}).isNull()) {
-            return true;
-        }
-        QThread::msleep(100);
-    }
-    return false;
+    return pollUntil([this] { return !pactl({"info"}).isNull(); }, milliseconds, [] { QThread::msleep(100); });
 }
 
 QString SoundServer::pactl(const QStringList& arguments) const
@@ -325,9 +255,7 @@ QStringList SoundServer::modules(const QString& text) const
 
 int SoundServer::sinksNamed(const QString& name) const
 {
-    const auto lines = pactlLines("sinks", name);
-    return static_cast<int>(std::count_if(lines.begin(), lines.end(),
-                                          [&name](const QString& line) { return line.section('\t', 1, 1) == name; }));
+    return static_cast<int>(pactlLines("sinks", "\t" + name + "\t").size()); // the name column only
 }
 
 } // namespace orvanta::testing

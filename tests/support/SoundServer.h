@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <memory>
 #include <vector>
 
@@ -33,8 +34,8 @@ public:
     // Ends the server's processes at once, as a crash would.
     void kill();
     // Stops the server's processes where they are (SIGSTOP), as a hung server, and lets them go on.
-    void freeze();
-    void thaw();
+    void freeze() const { signalAll(SIGSTOP); }
+    void thaw() const { signalAll(SIGCONT); }
 
     // Runs pactl against this server; gives its standard output, or a null string on failure.
     QString pactl(const QStringList& arguments) const;
@@ -48,15 +49,15 @@ public:
     }
     int sinksNamed(const QString& name) const;
     QString defaultSink() const { return pactl({"get-default-sink"}).trimmed(); }
-    QString serverAddress() const;
+    QString serverAddress() const { return "unix:" + runtime.path() + "/pulse/native"; }
     Kind kind() const { return serverKind; }
-    static const char* name(Kind kind);
+    static const char* name(Kind kind) { return kind == Kind::PulseAudio ? "PulseAudio" : "PipeWire"; }
 
 private:
+    void signalAll(int signal) const;
     QStringList pactlLines(const QString& list, const QString& text) const;
     std::unique_ptr<QProcess> spawn(const QString& program, const QStringList& arguments) const;
     QProcess* launch(const QString& program, const QStringList& arguments);
-    bool startSessionBus();
     bool waitUntilAnswering(int milliseconds) const;
     // PipeWire: bounded wait until the session manager picks default sinks.
     bool waitUntilPolicyRuns(int milliseconds) const;

@@ -1,5 +1,4 @@
-// The sound-server backend's parts that need no server: the mirror fed info and removal events
-// in either order, module arguments that survive the server's quoting, and the delay plan.
+// The backend's parts that need no server: the mirror, module argument quoting, the delay plan.
 
 #include "pulse/LoopbackPlan.h"
 #include "pulse/ModuleArguments.h"

@@ -1,5 +1,5 @@
-// The sound-system status over a real connection: a server that is not there yet, then starts,
-// then goes away; and the rule that retries at a silent server stay "not answering".
+// The sound-system status over a real connection: a server that is not there yet, then starts, then
+// goes away; retries at a silent server stay "not answering".
 
 #include "support/EventLoop.h"
 #include "support/SoundServer.h"
@@ -14,17 +14,7 @@ namespace orvanta::testing {
 namespace {
 
 using Status = services::SoundSystemStatus::State;
-using Connection = pulse::PulseConnection::State;
 using desktop::PulseSoundSystemStatus;
-
-TEST(SoundSystemStatusRule, RetriesAtASilentServerStayNotAnswering)
-{
-    EXPECT_EQ(PulseSoundSystemStatus::follow(Status::Connecting, Connection::Connecting), Status::Connecting);
-    EXPECT_EQ(PulseSoundSystemStatus::follow(Status::Connecting, Connection::Disconnected), Status::NotAnswering);
-    EXPECT_EQ(PulseSoundSystemStatus::follow(Status::NotAnswering, Connection::Connecting), Status::NotAnswering);
-    EXPECT_EQ(PulseSoundSystemStatus::follow(Status::NotAnswering, Connection::Ready), Status::Connected);
-    EXPECT_EQ(PulseSoundSystemStatus::follow(Status::Connected, Connection::Connecting), Status::Connecting);
-}
 
 TEST(SoundSystemStatus, FollowsAServerThatStartsLateAndGoesAway)
 {

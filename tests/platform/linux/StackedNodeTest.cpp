@@ -1,87 +1,39 @@
-// The stacked device hosted as a PipeWire node, on a private PipeWire with its pulse server and
-// the meter's remapped null sinks for members: chosen on its own, in step from the first sound,
-// changed live without a gap or a click, honest about its latency, and picking up a member
-// that comes back.
+// The stacked device hosted as a PipeWire node, with the meter rig's sinks for members: in step from
+// the first sound, changed live without a gap or a click, picking up a member that comes back.
 
-#include "support/EventLoop.h"
 #include "support/OffsetMeter.h"
+#include "support/ServerFixture.h"
 
-#include "app/AudioBackend.h"
-#include "audio/AudioWrapper.h"
-#include "core/DiagnosticLog.h"
-#include "pipewire/PipeWireAudioHardware.h"
 #include "pulse/PulseObjects.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
 
 #include <QThread>
 
-#include <cstdlib>
+#include <algorithm>
 
 namespace orvanta::testing {
 namespace {
 
 constexpr double kExactMs = 0.1;
 
-class StackedNode : public ::testing::Test
+class StackedNode : public ::testing::Test, public ServerFixture
 {
 protected:
     void SetUp() override
     {
-        server = std::make_unique<SoundServer>(SoundServer::Kind::PipeWire);
-        ASSERT_TRUE(server->start());
-        ASSERT_TRUE(loadMeterRig(*server));
-        ::setenv("ORVANTA_AUDIO", "auto", 1);
-        backend = app::chooseAudioBackend();
-        ASSERT_EQ(backend.description, "Using PipeWire");
-        node = dynamic_cast<pipewire::PipeWireAudioHardware*>(backend.hardware.get());
-        ASSERT_NE(node, nullptr);
-        audio = std::make_unique<audio::AudioWrapper>(*backend.hardware, printed.log());
-        ASSERT_TRUE(eventually([this] { return audio->getOutputDevices().size() >= 3; }, 5000));
+        startServer(SoundServer::Kind::PipeWire, 3, [this] { ASSERT_TRUE(loadMeterRig(*server)); });
     }
-
-    std::unique_ptr<SoundServer> server;
-    app::AudioBackend backend;
-    pipewire::PipeWireAudioHardware* node = nullptr;
-    core::CollectedLines printed;
-    std::unique_ptr<audio::AudioWrapper> audio;
 };
-
-TEST_F(StackedNode, IsASinkCalledOrvantaThatIsTheDefaultAndGoesWithItsOwner)
-{
-    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
-    ASSERT_EQ(printed.lines.size(), 1u);
-    EXPECT_THAT(printed.lines[0], ::testing::StartsWith("✅ Sync Device Created! ID: "));
-    EXPECT_TRUE(eventually([this] { return server->defaultSink() == "com.quellon.stacked"; }));
-    const QString sinks = server->pactl({"list", "sinks"});
-    EXPECT_TRUE(sinks.contains("Name: com.quellon.stacked")) << sinks.toStdString();
-    EXPECT_TRUE(sinks.contains("Description: Orvanta"));
-    EXPECT_EQ(node->stackedNode()->holdBack("mA"), 150u * 48u);
-    EXPECT_EQ(node->stackedNode()->holdBack("mB"), 0u);
-
-    // The process that hosts it goes: so does the node.
-    audio.reset();
-    backend.hardware.reset();
-    EXPECT_TRUE(eventually([this] { return server->sinksNamed("com.quellon.stacked") == 0; }, 5000));
-}
 
 TEST_F(StackedNode, ALeftoverOfTheLoopbackDesignIsRemovedByTheNextSync)
 {
     ASSERT_GE(server->loadModule("module-null-sink", {"sink_name=com.quellon.stacked"}), 0);
     ASSERT_GE(server->loadModule("module-loopback", {"source=com.quellon.stacked.monitor", "sink=mB"}), 0);
     // As at a start after an earlier run: Orvanta has seen the leftover sink and its loopback.
-    ASSERT_TRUE(eventually([this] { return audio->findStackedDeviceID().has_value(); }, 5000));
-    ASSERT_TRUE(eventually(
-        [this] {
-            return backend.connection->withMirror([](const pulse::PulseMirror& mirror) {
-                return !pulse::loopbacksFrom(mirror, "com.quellon.stacked").empty();
-            });
-        },
-        5000));
+    ASSERT_TRUE(eventually([this] {
+        return backend.connection->withMirror([](const pulse::PulseMirror& mirror) {
+            return !pulse::loopbacksFrom(mirror, "com.quellon.stacked").empty();
+        });
+    }));
 
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 20), hal::noErr);
     EXPECT_EQ(printed.lines.front(), "🗑️ Startup Cleanup: Old device destroyed.");
@@ -95,7 +47,7 @@ TEST_F(StackedNode, AMemberThatComesBackIsInStepAgainWithinASecond)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 150), hal::noErr);
     const QString mB = server->moduleLoading("sink_name=mB");
-    ASSERT_FALSE(mB.isEmpty());
+    const QStringList mBArguments = server->modules("sink_name=mB").value(0).split(' ');
     ASSERT_FALSE(server->pactl({"unload-module", mB}).isNull());
     ASSERT_TRUE(eventually([this] { return !node->stackedNode()->memberLinked("mB"); }, 5000));
 
@@ -107,10 +59,7 @@ TEST_F(StackedNode, AMemberThatComesBackIsInStepAgainWithinASecond)
         EXPECT_EQ(clickOnsets(recorder.stop(500), kMemberA).size(), 1u);
     }
 
-    ASSERT_GE(server->loadModule("module-remap-sink",
-                                 {"sink_name=mB", "master=hw", "channels=2", "master_channel_map=rear-left,rear-right",
-                                  "channel_map=front-left,front-right", "remix=no"}),
-              0);
+    ASSERT_GE(server->loadModule("module-remap-sink", mBArguments), 0);
     EXPECT_TRUE(eventually([this] { return node->stackedNode()->memberLinked("mB"); }, 1000));
     const auto offset = measureOffsetMs(*server);
     ASSERT_TRUE(offset.has_value());
@@ -177,8 +126,7 @@ TEST_P(StackedNodeOffset, EveryClickOfTenRebuildsIsExactFromTheStart)
 }
 
 INSTANTIATE_TEST_SUITE_P(Delays, StackedNodeOffset,
-                         ::testing::Values(Delays{0, 0}, Delays{0, 5}, Delays{5, 0}, Delays{0, 150}, Delays{150, 0},
-                                           Delays{0, 600}, Delays{600, 0}),
+                         ::testing::Values(Delays{0, 0}, Delays{0, 5}, Delays{150, 0}, Delays{0, 600}),
                          [](const auto& param) {
                              return std::to_string(param.param.primaryMs) + "_" +
                                     std::to_string(param.param.secondaryMs);
@@ -192,28 +140,15 @@ void expectClean(const std::optional<ToneCheck>& tone)
     EXPECT_TRUE(tone->finiteWithinScale);
 }
 
-TEST_F(StackedNode, ALiveChangeLeavesNoGapNoClickAndNoSampleOutOfRange)
-{
-    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
-    expectClean(changedMemberTone(*server, 4.0, [this] {
-        audio->setRuntimeLatency("mB", 0);
-        QThread::msleep(1000);
-        audio->setRuntimeLatency("mB", 600);
-        QThread::msleep(1200);
-        audio->setRuntimeLatency("mB", 37);
-    }));
-    const auto offset = measureOffsetMs(*server);
-    ASSERT_TRUE(offset.has_value());
-    EXPECT_NEAR(*offset, 37.0, kExactMs);
-}
-
-TEST_F(StackedNode, ThreeHundredChangesInThreeSecondsStayCleanAndEndExact)
+TEST_F(StackedNode, LiveChangesLeaveNoGapNoClickAndNoSampleOutOfRangeAndEndExact)
 {
     ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, 0), hal::noErr);
     int delay = 0;
-    expectClean(changedMemberTone(*server, 5.0, [&] {
+    expectClean(changedMemberTone(*server, 6.5, [&] {
         audio->setRuntimeLatency("mB", 0);
         QThread::msleep(800);
+        audio->setRuntimeLatency("mB", 600); // one long jump, faded in full
+        QThread::msleep(1200);
         for (int change = 0; change < 300; ++change) {
             delay = (delay + 211) % 601; // a slider dragged back and forth, unevenly
             audio->setRuntimeLatency("mB", delay);
@@ -225,32 +160,6 @@ TEST_F(StackedNode, ThreeHundredChangesInThreeSecondsStayCleanAndEndExact)
     ASSERT_TRUE(offset.has_value());
     EXPECT_NEAR(*offset, delay, kExactMs);
 }
-
-class StackedNodeLatency : public StackedNode, public ::testing::WithParamInterface<int>
-{};
-
-TEST_P(StackedNodeLatency, APlayerIsToldTheLatencyToTheLaterMember)
-{
-    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, GetParam()), hal::noErr);
-    // How much later the stacked device played the click than ref did, against how much later its
-    // stream was told it would. A stream's told latency is an estimate from the server's last
-    // timing update, a millisecond or two apart on a loaded machine: the median of three probes
-    // is compared. A latency told wrong is wrong in every probe.
-    std::vector<double> errors;
-    for (int round = 0; round < 3; ++round) {
-        const auto probe = probeLatency(*server);
-        ASSERT_TRUE(probe.has_value());
-        const double measured = static_cast<double>(probe->stackedClick - probe->referenceClick) * 1000.0 / kMeterRate;
-        const double told = probe->toldStackedMs - probe->toldReferenceMs - probe->writeGapMs;
-        errors.push_back(told - measured);
-        RecordProperty("told_ms_" + std::to_string(round), std::to_string(probe->toldStackedMs));
-    }
-    std::sort(errors.begin(), errors.end());
-    RecordProperty("told_minus_measured_ms", std::to_string(errors[1]));
-    EXPECT_NEAR(errors[1], 0.0, 2.0) << "told minus measured: " << errors[0] << ", " << errors[1] << ", " << errors[2];
-}
-
-INSTANTIATE_TEST_SUITE_P(Delays, StackedNodeLatency, ::testing::Values(0, 150));
 
 } // namespace
 } // namespace orvanta::testing
