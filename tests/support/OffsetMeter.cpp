@@ -19,7 +19,7 @@ constexpr long kPlayerStartFrames = kMeterRate / 5;
 // The level is read over half a second from 300 ms after the first sound, once the members settled.
 constexpr long kLevelFrom = kMeterRate / 10;
 constexpr long kLevelFrames = kMeterRate / 2;
-const QString kFourChannels = "front-left,front-right,rear-left,rear-right";
+const QString kSixChannels = "front-left,front-right,rear-left,rear-right,front-center,lfe";
 // A stream that starts on the default sink would otherwise follow the default when Orvanta changes it.
 const QString kStayOnTarget = "--property=node.dont-reconnect=true";
 
@@ -80,9 +80,9 @@ std::optional<Samples> playAndRecord(const SoundServer& server, const Samples& t
 bool loadMeterRig(const SoundServer& server)
 {
     bool loaded = server.loadModule("module-null-sink",
-                                    {"sink_name=hw", "channels=4", "rate=48000", "channel_map=" + kFourChannels}) >= 0;
-    for (const auto& [name, pair] :
-         {std::pair{"mA", "front-left,front-right"}, std::pair{"mB", "rear-left,rear-right"}}) {
+                                    {"sink_name=hw", "channels=6", "rate=48000", "channel_map=" + kSixChannels}) >= 0;
+    for (const auto& [name, pair] : {std::pair{"mA", "front-left,front-right"}, std::pair{"mB", "rear-left,rear-right"},
+                                     std::pair{"ref", "front-center,lfe"}}) {
         loaded =
             loaded && server.loadModule("module-remap-sink", {QString("sink_name=") + name, "master=hw", "channels=2",
                                                               QString("master_channel_map=") + pair,
@@ -130,7 +130,7 @@ Recorder::Recorder(const SoundServer& server, const QString& source, int channel
                           "--rate=48000", "--latency-msec=20",
                           kStayOnTarget,  "--channels=" + QString::number(channels)};
     if (channels == kMeterChannels) {
-        arguments.append("--channel-map=" + kFourChannels);
+        arguments.append("--channel-map=" + kSixChannels);
     }
     process.start("parec", arguments);
     running = process.waitForStarted(5000);

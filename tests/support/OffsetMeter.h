@@ -1,8 +1,9 @@
 #pragma once
 
 // A meter for what the user hears from a stacked device, on a private sound server. The members
-// are remaps of one 4-channel null sink ("hw"): "mA" plays on its front pair, "mB" on its rear
-// pair. Recording hw's monitor in one stream times both by the same clock, to the frame.
+// are remaps of one 6-channel null sink ("hw"): "mA" plays on its front pair, "mB" on its rear
+// pair, and a plain sink "ref" outside the stacked device on the centre pair. Recording hw's
+// monitor in one stream times all three by the same clock, to the frame.
 
 #include "support/SoundServer.h"
 
@@ -16,15 +17,16 @@
 namespace orvanta::testing {
 
 inline constexpr int kMeterRate = 48000;
-inline constexpr int kMeterChannels = 4;
+inline constexpr int kMeterChannels = 6;
 // The first channel of each pair in a recording.
 inline constexpr int kMemberA = 0;
 inline constexpr int kMemberB = 2;
+inline constexpr int kReference = 4;
 
 // Interleaved float samples: stereo for a track, kMeterChannels for a recording.
 using Samples = std::vector<float>;
 
-// Loads hw, mA and mB.
+// Loads hw, mA, mB and ref.
 bool loadMeterRig(const SoundServer& server);
 
 // Silence with a short click at each of the given times (in seconds).

@@ -1,6 +1,7 @@
 // The stacked device hosted as a PipeWire node, with the meter rig's sinks for members: in step from
 // the first sound, changed live without a gap or a click, picking up a member that comes back.
 
+#include "support/LatencyProbe.h"
 #include "support/OffsetMeter.h"
 #include "support/ServerFixture.h"
 
@@ -160,6 +161,28 @@ TEST_F(StackedNode, LiveChangesLeaveNoGapNoClickAndNoSampleOutOfRangeAndEndExact
     ASSERT_TRUE(offset.has_value());
     EXPECT_NEAR(*offset, delay, kExactMs);
 }
+
+class StackedNodeLatency : public StackedNode, public ::testing::WithParamInterface<int>
+{};
+
+// A stream's told latency is an estimate from the server's last timing update, a millisecond or
+// two apart on a loaded machine: the median of three probes is compared. A latency told wrong is
+// wrong in every probe.
+TEST_P(StackedNodeLatency, APlayerIsToldTheLatencyToTheLaterMember)
+{
+    ASSERT_EQ(audio->createStackedDevice("mA", "mB", 0, GetParam()), hal::noErr);
+    std::vector<double> errors;
+    for (int round = 0; round < 3; ++round) {
+        const auto probe = probeLatency(*server);
+        ASSERT_TRUE(probe.has_value());
+        errors.push_back(probe->errorMs());
+    }
+    std::sort(errors.begin(), errors.end());
+    RecordProperty("told_minus_measured_ms", std::to_string(errors[1]));
+    EXPECT_NEAR(errors[1], 0.0, 2.0) << "told minus measured: " << errors[0] << ", " << errors[1] << ", " << errors[2];
+}
+
+INSTANTIATE_TEST_SUITE_P(Delays, StackedNodeLatency, ::testing::Values(0, 150));
 
 } // namespace
 } // namespace orvanta::testing
