@@ -40,15 +40,11 @@ protected:
         return static_cast<int>(std::count_if(sim.printed.lines.begin(), sim.printed.lines.end(),
                                               [](const auto& line) { return line.rfind("✅ Volume set via", 0) == 0; }));
     }
-    QString shownDelay(Place place = Place::Window)
-    {
-        return child<QLabel>(&section(ui::Speaker::Secondary, place), "delayLabel")->text();
-    }
+    QString shownDelay() { return child<QLabel>(&section(), "delayLabel")->text(); }
     QToolButton* button(const char* name, Place place = Place::Window)
     {
         return child<QToolButton>(&section(ui::Speaker::Secondary, place), name);
     }
-    ui::TickSlider* slider() { return child<ui::TickSlider>(&section(), "delaySlider"); }
     int stored() { return appState->bluetoothDelays().count("bt") ? appState->bluetoothDelays().at("bt") : -1; }
 
     std::map<std::pair<ui::Speaker, Place>, std::unique_ptr<ui::SpeakerSection>> sections;
@@ -58,14 +54,12 @@ TEST_F(SpeakerSection, ABluetoothSpeakerHasItsMarkAndDelayAWiredOneTheCheckBoxTh
 {
     ui::SpeakerSection& bluetooth = section(ui::Speaker::Secondary);
     EXPECT_TRUE(shown(child<QWidget>(&bluetooth, "bluetoothMark")));
-    EXPECT_TRUE(shown(child<QWidget>(&bluetooth, "delayControls")));
     EXPECT_FALSE(shown(child<QWidget>(&bluetooth, "bluetoothCheckbox")));
 
     ui::SpeakerSection& wired = section(ui::Speaker::Primary);
     ui::SpeakerSection& wiredInPanel = section(ui::Speaker::Primary, Place::Panel);
     auto* checkbox = child<QAbstractButton>(&wired, "bluetoothCheckbox");
     EXPECT_FALSE(shown(child<QWidget>(&wired, "delayControls")));
-    EXPECT_EQ(wiredInPanel.findChild<QWidget*>("bluetoothCheckbox"), nullptr);
     click(checkbox);
     EXPECT_EQ(appState->manualBluetoothOverrides(), (state::OverrideMap{{"spk", true}}));
     for (QWidget* shownIn : {static_cast<QWidget*>(&wired), static_cast<QWidget*>(&wiredInPanel)}) {
@@ -85,7 +79,6 @@ TEST_F(SpeakerSection, StepsOfFiveReachTheRunningDeviceAndBothPlacesAndResetShow
     EXPECT_EQ(sim.printed.lines.back(), "⏱️ Real-time latency set on bt: 5ms (221.0 frames)"); // applied live
     click(button("increaseButton", Place::Panel));
     EXPECT_EQ(shownDelay(), "10 ms");
-    EXPECT_DOUBLE_EQ(slider()->doubleValue(), 10.0);
     click(button("resetButton"));
     EXPECT_EQ(stored(), 0);
     EXPECT_FALSE(shown(button("resetButton")));
@@ -95,7 +88,7 @@ TEST_F(SpeakerSection, TheWindowsSliderStoresWholeMillisecondsAnywhereOnTheTrack
 {
     section().show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&section()));
-    ui::TickSlider* track = slider();
+    auto* track = child<ui::TickSlider>(&section(), "delaySlider");
     const QPoint end(track->width() * 2 / 5 + 3, track->height() / 2);
     QTest::mousePress(track, Qt::LeftButton, {}, QPoint(4, end.y()));
     QTest::mouseMove(track, QPoint(track->width() / 3, end.y()));
@@ -128,11 +121,6 @@ TEST_F(SpeakerSection, TheVolumeSliderWritesEveryMoveButReachesTheDevicesOnlyAtT
     EXPECT_THAT(sim.printed.lines, ::testing::Contains(::testing::HasSubstr("for spk: 0.8")));
 
     sim.reset();
-    QTest::keyClick(slider, Qt::Key_Left);
-    EXPECT_FLOAT_EQ(appState->volume1(), 0.79f);
-    EXPECT_EQ(volumeLines(), 2);
-
-    sim.reset();
     section(ui::Speaker::Primary).show();
     QTest::mouseClick(slider, Qt::LeftButton, {}, QPoint(slider->width() / 4, slider->height() / 2));
     EXPECT_LT(appState->volume1(), 0.5f);
@@ -151,32 +139,8 @@ TEST_F(SpeakerSection, ThePanelsDelaySliderMovesInStepsOfFiveAndItsVolumeIsAPerc
     EXPECT_EQ(child<QLabel>(&section(ui::Speaker::Primary, Place::Panel), "percentLabel")->text(), "99%");
 }
 
-TEST(TickSliderBridge, ProgrammaticUpdatesNeverReachTheBindingAndOnChangedFollowsTheWrite)
+TEST(ViewRules, OneIntegerIsFilledIntoATranslatedFormat)
 {
-    double bound = 40.0;
-    std::vector<std::string> events;
-    ui::TickSliderModel model;
-    model.value.get = [&bound] { return bound; };
-    model.value.set = [&bound, &events](double value) {
-        bound = value;
-        events.push_back("set " + std::to_string(value));
-    };
-    model.maximum = 100;
-    model.numberOfTicks = 5;
-    model.onChanged = [&events](double value) { events.push_back("changed " + std::to_string(value)); };
-    ui::TickSlider slider(model);
-    bound = 70.0;
-    slider.updateFrom(model);
-    EXPECT_DOUBLE_EQ(slider.doubleValue(), 70.0);
-    EXPECT_TRUE(events.empty());
-
-    dragSlider(&slider, {7250});
-    EXPECT_EQ(events, (std::vector<std::string>{"set 72.500000", "changed 72.500000"}));
-}
-
-TEST(ViewRules, PercentagesDropTheFractionAndOneIntegerIsFilledIntoATranslatedFormat)
-{
-    EXPECT_EQ(ui::volumePercent(0.505f), 50);
     EXPECT_EQ(ui::formatWithInteger("Decrease by %d ms", 5), "Decrease by 5 ms");
     EXPECT_EQ(ui::formatWithInteger("減らす %1$d ms", 5), "減らす 5 ms");
     EXPECT_EQ(ui::formatWithInteger("%lld ms", 125), "125 ms");
