@@ -18,12 +18,10 @@ protected:
 
 TEST_F(Panel, TheSwitchNeedsTwoDifferentDevicesAndTurnsSyncOnAndOffWithTheDotAndTheSpeakers)
 {
-    EXPECT_FALSE(shown(control("syncSwitch")));
     appState->setSelectedDevice1(kSpeakers);
     appState->setSelectedDevice2(kSpeakers);
     EXPECT_FALSE(shown(control("syncSwitch")));
     appState->setSelectedDevice2(kBluetooth);
-    EXPECT_FALSE(shown(control("syncCaption")));
     EXPECT_FALSE(shown(control("speakers")));
     click(control("syncSwitch"));
     EXPECT_TRUE(appState->isQuellonOn());
@@ -33,7 +31,6 @@ TEST_F(Panel, TheSwitchNeedsTwoDifferentDevicesAndTurnsSyncOnAndOffWithTheDotAnd
     // An invalid selection hides the switch, but the speakers stay while sync is on.
     appState->setSelectedDevice2(std::nullopt);
     EXPECT_FALSE(shown(control("syncSwitch")));
-    EXPECT_EQ(child<QLabel>(control("secondarySpeaker"), "nameLabel")->text(), "Secondary Speaker");
     appState->setSelectedDevice2(kBluetooth);
     click(control("syncSwitch"));
     EXPECT_FALSE(appState->isQuellonOn());
