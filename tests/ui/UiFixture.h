@@ -28,15 +28,8 @@
 #include <QWidget>
 
 #include <memory>
-#include <string>
 
 namespace orvanta::testing {
-
-inline sim::DeviceSpec withHardwareVolume(sim::DeviceSpec device)
-{
-    device.virtualMainVolume = volumeControl();
-    return device;
-}
 
 // The child of root with that object name and type; fails the test when there is none.
 template <typename T> T* child(const QObject* root, const char* name)
@@ -91,14 +84,6 @@ struct UiFixture : StateFixture
     }
 
     ui::ViewServices services() { return {sim.audio, mediaKeys, trust, alerts, workspace, &bundle}; }
-
-    state::OptionalDevice device(const std::string& uid) const
-    {
-        const auto& all = appState->devices();
-        const auto found =
-            std::find_if(all.begin(), all.end(), [&uid](const auto& listed) { return listed.uid == uid; });
-        return found == all.end() ? state::OptionalDevice{} : *found;
-    }
 
     // The main window's content, made on first use.
     ui::ContentView& view()
