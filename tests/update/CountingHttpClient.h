@@ -5,8 +5,6 @@
 
 #include "services/HttpClient.h"
 
-#include <QList>
-
 #include <memory>
 
 namespace orvanta::testing {
@@ -18,7 +16,6 @@ public:
 
     void getInBackground(const QUrl& url, ResponseHandler handler) override
     {
-        requests.append(url);
         inner.getInBackground(
             url,
             [handler = std::move(handler), counter = finished](const services::HttpResponse& response) -> Continuation {
@@ -33,8 +30,6 @@ public:
     }
 
     int finishedCount() const { return *finished; }
-
-    QList<QUrl> requests;
 
 private:
     services::HttpClient& inner;

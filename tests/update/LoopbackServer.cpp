@@ -62,17 +62,11 @@ void LoopbackServer::close()
 
 void LoopbackServer::readRequest(QTcpSocket* socket)
 {
-    // One request per connection: every answer closes it.
-    if (socket->property("answered").toBool()) {
-        socket->readAll();
-        return;
-    }
     const QByteArray buffer = socket->property("buffer").toByteArray() + socket->readAll();
     socket->setProperty("buffer", buffer);
     if (!buffer.contains("\r\n\r\n")) {
         return;
     }
-    socket->setProperty("answered", true);
     const QByteArray path = buffer.left(buffer.indexOf("\r\n")).split(' ').value(1);
     requestPaths.append(path);
     const Route route = routes.value(path, Route::reply(404, "<html><body>Not Found</body></html>", "text/html"));

@@ -22,53 +22,10 @@
 #include <QPushButton>
 #include <QTimer>
 
-#include <functional>
-
 using namespace std::chrono_literals;
 
 namespace orvanta::desktop {
 namespace {
-
-// Calls act once on every message box that opens; closes one still open after 10 s, so that a
-// failing test cannot hang in a modal loop.
-class DialogWatcher
-{
-public:
-    explicit DialogWatcher(std::function<void(QMessageBox*)> act)
-    {
-        QObject::connect(&poll, &QTimer::timeout, [this, act = std::move(act)] {
-            for (QWidget* widget : QApplication::topLevelWidgets()) {
-                auto* box = qobject_cast<QMessageBox*>(widget);
-                if (box == nullptr || !box->isVisible()) {
-                    continue;
-                }
-                if (clock.hasExpired(10'000)) {
-                    ADD_FAILURE() << "a dialog stayed open: " << box->text().toStdString();
-                    box->close();
-                } else if (!box->property("watched").toBool()) {
-                    box->setProperty("watched", true);
-                    act(box);
-                }
-            }
-        });
-        poll.start(10);
-        clock.start();
-    }
-
-private:
-    QTimer poll;
-    QElapsedTimer clock;
-};
-
-QAbstractButton* buttonTitled(QMessageBox* box, const QString& title)
-{
-    for (QAbstractButton* button : box->buttons()) {
-        if (button->text() == title) {
-            return button;
-        }
-    }
-    return nullptr;
-}
 
 // What a box shows: texts, buttons, default and escape buttons, modality, and the labels' format.
 QStringList describe(QMessageBox* box)
@@ -103,12 +60,29 @@ TEST(UpdateMessageBoxAlerts, TwoChecksAtOnceEachShowTheirOwnDialog)
         {}, services::PlatformServices{.http = &http, .alerts = &alerts, .workspace = &workspace, .bundle = &bundle},
         server.url("/feed.json"));
 
+    // Each dialog is described and answered once; one still open after 10 s is closed, so a failing test cannot hang.
     QList<QStringList> seen;
-    DialogWatcher watcher([&](QMessageBox* box) {
-        seen.append(describe(box));
-        QAbstractButton* download = buttonTitled(box, "Download");
-        download != nullptr ? download->click() : static_cast<void>(box->close());
+    QElapsedTimer clock;
+    clock.start();
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            auto* box = qobject_cast<QMessageBox*>(widget);
+            if (box == nullptr || !box->isVisible()) {
+                continue;
+            }
+            if (clock.hasExpired(10'000)) {
+                ADD_FAILURE() << "a dialog stayed open: " << box->text().toStdString();
+                box->close();
+            } else if (!box->property("watched").toBool()) {
+                box->setProperty("watched", true);
+                seen.append(describe(box));
+                QPushButton* choice = box->defaultButton();
+                choice->text() == "Download" ? choice->click() : static_cast<void>(box->close());
+            }
+        }
     });
+    poll.start(10);
     checker.checkForUpdatesAtLaunch();
     checker.checkForUpdates();
     ASSERT_TRUE(testing::runUntil([&] { return http.finishedCount() == 2; }, 20s));

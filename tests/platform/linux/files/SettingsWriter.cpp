@@ -7,11 +7,8 @@
 
 #include <cstdio>
 
-int main(int argc, char** argv)
+int main(int /*argc*/, char** argv)
 {
-    if (argc != 3) {
-        return 2;
-    }
     orvanta::desktop::JsonFileUserDefaults defaults(QString::fromLocal8Bit(argv[1]));
     qint64 counter = defaults.value(QStringLiteral("counter")).toLongLong();
     defaults.setValue(QStringLiteral("padding"), QString(QString::fromLocal8Bit(argv[2]).toInt(), u'p'));

@@ -1,5 +1,5 @@
-// The volume keys on a real X display, pressed with xdotool; trust that follows whether another
-// client holds them; and the program quitting while it holds them.
+// The volume keys on a real X display, pressed with xdotool, and the trust that follows whether
+// another client holds them; and the program quitting while it holds them.
 
 #include "support/EventLoop.h"
 #include "support/StateFixture.h"
@@ -78,22 +78,6 @@ protected:
     }
 };
 
-TEST_F(VolumeKeys, EachKeyDownMovesBothDevicesByOneStep)
-{
-    ASSERT_TRUE(keys.hasDisplay());
-    auto& app = startWithX11();
-    selectBoth();
-    app.enableSync();
-    ASSERT_TRUE(x11MediaKeys->hasTap());
-
-    press("XF86AudioRaiseVolume");
-    ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
-    press("XF86AudioLowerVolume");
-    press("XF86AudioLowerVolume");
-    ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.4375f; }));
-    EXPECT_EQ(app.volume2(), 0.4375f);
-}
-
 TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessTheSoundServerHasThem)
 {
     auto& app = startWithX11();
@@ -105,8 +89,8 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessThe
     ASSERT_TRUE(runUntil([&] { return !app.isTrusted(); }, std::chrono::milliseconds(2500)));
     EXPECT_EQ(x11Trust.obstacle(), services::AccessibilityTrust::Obstacle::KeysHeldByAnotherProgram);
     // With the sound server, the desktop's volume handler moves the default output, our stacked device.
-    x11::X11AccessibilityTrust serverTrust(keys, x11::X11AccessibilityTrust::Sound::Server, QStringLiteral("GNOME"));
-    EXPECT_TRUE(serverTrust.isProcessTrusted());
+    EXPECT_TRUE(
+        x11::X11AccessibilityTrust(keys, x11::X11AccessibilityTrust::Sound::Server, "GNOME").isProcessTrusted());
 
     // Sync comes on while the keys are taken: the tap cannot be made.
     app.enableSync();
@@ -122,8 +106,13 @@ TEST_F(VolumeKeys, AnotherClientHoldingTheKeysMeansNoTrustUntilItLetsGoUnlessThe
     holder.reset();
     ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
     ASSERT_TRUE(x11MediaKeys->hasTap());
+    // Each key down then moves both devices by one step.
     press("XF86AudioRaiseVolume");
-    EXPECT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
+    ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.5625f; }));
+    press("XF86AudioLowerVolume");
+    press("XF86AudioLowerVolume");
+    ASSERT_TRUE(runUntil([&] { return app.volume1() == 0.4375f; }));
+    EXPECT_EQ(app.volume2(), 0.4375f);
 }
 
 TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandlesTheKeys)
@@ -134,15 +123,14 @@ TEST(VolumeKeysWithoutDisplay, NoX11MeansNoTapAndTrustOnlyWhereTheDesktopHandles
     x11::X11EventTap taps(keys);
     EXPECT_EQ(taps.create(services::kSystemDefinedEventMask, [](const services::TapEvent& e) { return e; }), nullptr);
 
-    x11::X11AccessibilityTrust gnome(keys, Sound::Server, QStringLiteral("ubuntu:GNOME"));
-    EXPECT_TRUE(gnome.isProcessTrusted());
-    x11::X11AccessibilityTrust sway(keys, Sound::Server, QStringLiteral("sway"));
-    EXPECT_FALSE(sway.isProcessTrusted());
-    EXPECT_EQ(sway.obstacle(), Obstacle::DesktopKeysUnknown);
     // The desktop's keys never reach the simulated devices.
-    x11::X11AccessibilityTrust simulated(keys, Sound::Simulated, QStringLiteral("GNOME"));
-    EXPECT_FALSE(simulated.isProcessTrusted());
-    EXPECT_EQ(simulated.obstacle(), Obstacle::SessionGivesNoKeys);
+    for (const auto& [sound, desktop, obstacle] : {std::tuple{Sound::Server, "ubuntu:GNOME", Obstacle::None},
+                                                   {Sound::Server, "sway", Obstacle::DesktopKeysUnknown},
+                                                   {Sound::Simulated, "GNOME", Obstacle::SessionGivesNoKeys}}) {
+        x11::X11AccessibilityTrust trust(keys, sound, desktop);
+        EXPECT_EQ(trust.isProcessTrusted(), obstacle == Obstacle::None) << desktop;
+        EXPECT_EQ(trust.obstacle(), obstacle) << desktop;
+    }
 }
 
 TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
@@ -152,11 +140,10 @@ TEST(Quit, WithSyncOnAndTheVolumeKeysGrabbedTheProgramEndsCleanly)
     ASSERT_TRUE(QDir(home.path()).mkpath("config/orvanta") && QDir(home.path()).mkpath("runtime"));
     QFile::setPermissions(home.filePath("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QFile settings(home.filePath("config/orvanta/settings.json"));
-    ASSERT_TRUE(settings.open(QIODevice::WriteOnly) &&
-                settings.write(R"({"restoreSyncAtStart": true, "restoreSyncDevices": {
-        "primary": "alsa_output.pci-0000_00_1f.3.analog-stereo", "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})") >
-                    0);
-    settings.close();
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly) && settings.write(R"({"restoreSyncAtStart": true,
+        "restoreSyncDevices": {"primary": "alsa_output.pci-0000_00_1f.3.analog-stereo",
+                               "secondary": "bluez_output.A4_77_58_0C_11_2E.1"}})") > 0 &&
+                settings.flush());
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_RUNTIME_DIR", home.filePath("runtime"));
     environment.insert("XDG_CONFIG_HOME", home.filePath("config"));
