@@ -33,6 +33,10 @@ TEST_F(MainWindowContent, PickersOfferEveryDeviceAndSyncNeedsTwoBuildsTheStacked
     EXPECT_FALSE(appState->isQuellonOn());
     EXPECT_FALSE(shown(block("balanceSection")));
     EXPECT_EQ(alerts.shown.size(), 1);
+
+    pickBoth(2, 1); // the Bluetooth speaker first: the delay note shows all the same
+    turnSyncOn();
+    EXPECT_TRUE(shown(block("delayNote")));
 }
 
 TEST_F(MainWindowContent, BothWarningsFollowOneSyncOnOneAfterTheOtherWithTitlesInTheInterfaceLanguage)
