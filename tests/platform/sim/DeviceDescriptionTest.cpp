@@ -81,7 +81,6 @@ TEST(DeviceDescription, EachProblemGivesOneLineNamingFileAndProblemAndEachLimitI
     }
     const std::vector<std::pair<std::string, std::string>> cases{
         {"{\"devices\": [", "devices.json: invalid JSON at line 1, column 14: "},
-        {"[]", "devices.json: expected a JSON object at the top level"},
         {R"({"devices": [{"uid": "x"}]})", "devices.json: devices[0].name: expected a string"},
         {oneDevice(R"("transport": "bluetooth")"), kTransport + "\"bluetooth\""},
         {oneDevice(R"("outputStreams": -1)"),

@@ -24,10 +24,9 @@ QJsonObject readState(const QString& path)
 
 TEST(SimStateFile, MirrorsEveryChangeAndAnUnwritablePathIsAnError)
 {
-    DeviceSpec speakers;
+    DeviceSpec speakers, bluetooth;
     speakers.name = speakers.uid = "spk";
     speakers.virtualMainVolume = {true, true, 0.5f};
-    DeviceSpec bluetooth;
     bluetooth.name = bluetooth.uid = "bt";
     SimulatedAudioHardware system({{speakers, bluetooth}, {}, {}});
     QTemporaryDir dir;
