@@ -180,7 +180,6 @@ TEST_F(Sync, WarningsNameBluetoothSpeakersAsTheAudioLayerReportsThemAndDevicesWi
     // Sync that failed to come on warns only of Bluetooth.
     sim.system.addFailure(std::nullopt, {sim::CallKind::CreateAggregateDevice, {}, {}, {}, -50});
     EXPECT_THAT(warningsAfterSyncOn(2, 4), ElementsAre(::testing::Field(&state::SyncWarning::kind, Kind::Bluetooth)));
-    EXPECT_FALSE(appState->isQuellonOn());
 }
 
 } // namespace

@@ -10,6 +10,8 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
+#include <tuple>
+
 namespace orvanta::sim {
 namespace {
 
@@ -57,9 +59,8 @@ TEST(SimStateFile, MirrorsEveryChangeAndAnUnwritablePathIsAnError)
     state = readState(path);
     EXPECT_EQ(state["defaultOutput"].toString(), "stacked");
     const auto active = state["aggregates"][0]["activeSubDevices"].toArray();
-    ASSERT_EQ(active.size(), 1);
-    EXPECT_EQ(active[0]["uid"].toString(), "bt");
-    EXPECT_EQ(active[0]["extraLatencyFrames"].toDouble(), 6615.0);
+    EXPECT_EQ(std::tuple(active.size(), active[0]["uid"].toString(), active[0]["extraLatencyFrames"].toDouble()),
+              std::tuple(1, QString("bt"), 6615.0));
 
     ASSERT_EQ(system.destroyAggregateDevice(aggregate), noErr);
     EXPECT_TRUE(readState(path)["aggregates"].toArray().isEmpty());
