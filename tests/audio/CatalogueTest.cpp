@@ -16,8 +16,7 @@ TEST(Catalogue, ListsOutputsInPlatformOrderAndHidesInputOnlyDevicesAndTheStacked
     auto microphone = outputDevice("Microphone", "mic");
     microphone.outputStreams = 0;
     SimAudio sim({outputDevice("Speakers", "spk"), microphone, outputDevice("Speakers", "a-second")});
-    hal::AudioObjectID stacked = 0;
-    hal::AudioObjectID other = 0;
+    hal::AudioObjectID stacked = 0, other = 0;
     const auto aggregate = [](const std::string& name, const std::string& uid) {
         const auto member = hal::PropertyList::dictionary({{"uid", hal::PropertyList::string("spk")}});
         return hal::PropertyList::dictionary({{"name", hal::PropertyList::string(name)},

@@ -34,31 +34,19 @@ std::size_t stackedCount(const SimAudio& sim)
                                                   [](const auto& d) { return d.spec.uid == audio::stackedDeviceUID; }));
 }
 
-const PropertyList& member(const SimAudio& sim, std::size_t index)
-{
-    return (*sim.system.deviceWithUID(audio::stackedDeviceUID)->composition.find("subdevices")->asArray())[index];
-}
-
+// The composition's keys, their order and types; drift follows the position, not the transport.
 TEST(StackedDevice, CompositionHasExactlyTheSpecifiedKeysOrderAndTypes)
 {
     auto sim = speakersAndBluetooth();
-    ASSERT_EQ(sim.audio.createStackedDevice("spk", "bt", 0, 150), hal::noErr);
-    const auto memberOf = [](const char* uid, int drift, hal::UInt32 frames) {
-        return PropertyList::dictionary({{"uid", PropertyList::string(uid)},
-                                         {"drift", PropertyList::integer(drift)},
-                                         {"latency-out", PropertyList::uint32(frames)}});
+    const auto composition = [&sim] {
+        return sim.system.deviceWithUID(audio::stackedDeviceUID)->composition.describe();
     };
-    const auto expected = PropertyList::dictionary({
-        {"name", PropertyList::string("Orvanta")},
-        {"uid", PropertyList::string("com.quellon.stacked")},
-        {"stacked", PropertyList::integer(1)},
-        {"subdevices", PropertyList::array({memberOf("spk", 0, 0), memberOf("bt", 1, 6615)})},
-    });
-    const auto& composition = sim.system.deviceWithUID(audio::stackedDeviceUID)->composition;
-    EXPECT_EQ(composition, expected) << composition.describe();
-
+    ASSERT_EQ(sim.audio.createStackedDevice("spk", "bt", 0, 150), hal::noErr);
+    EXPECT_EQ(composition(),
+              R"({"name"="Orvanta", "uid"="com.quellon.stacked", "stacked"=1, "subdevices"=()"
+              R"({"uid"="spk", "drift"=0, "latency-out"=0u}, {"uid"="bt", "drift"=1, "latency-out"=6615u})})");
     ASSERT_EQ(sim.audio.createStackedDevice("bt", "spk", 0, 0), hal::noErr);
-    EXPECT_EQ(member(sim, 0), memberOf("bt", 0, 0)); // drift follows the position, not the transport
+    EXPECT_THAT(composition(), ::testing::HasSubstr(R"(=({"uid"="bt", "drift"=0, )"));
 }
 
 TEST(StackedDevice, RecreatingLeavesOneDeviceAsTheDefault)
@@ -94,16 +82,24 @@ TEST(StackedDevice, DestroysEveryLeftoverWithOneLineEachEvenWhenDestroyFails)
     EXPECT_EQ(stackedCount(sim), 1u);
 }
 
-TEST(StackedDevice, AnAbsentMemberOrAnUnreadableRateConvertsTheDelayAt48k)
+// The whole delay goes to the member's sub-device; a non-member or a refused write prints no success line.
+TEST(RuntimeLatency, WritesTheWholeDelayToTheMembersSubDeviceOnlyAndReportsARefusal)
 {
-    auto bt = withID(outputDevice("BT", "bt", hal::kAudioDeviceTransportTypeBluetooth, 44100), 92);
-    bt.failures.push_back({sim::CallKind::GetPropertyData, hal::kAudioDevicePropertyNominalSampleRate, {}, {}, -1});
-    SimAudio sim({withID(outputDevice("Speakers", "spk"), 91), bt});
-    for (const char* absent : {"gone", "bt"}) {
-        ASSERT_EQ(sim.audio.createStackedDevice("spk", absent, 0, 5), hal::noErr);
-        EXPECT_EQ(*member(sim, 1).find("uid")->asString(), absent);
-        EXPECT_EQ(member(sim, 1).find("latency-out")->asInteger()->value, 240);
-    }
+    auto sim = speakersAndBluetooth();
+    sim.audio.setRuntimeLatency("bt", 150); // no stacked device: nothing
+    ASSERT_EQ(sim.audio.createStackedDevice("spk", "bt", 0, 40), hal::noErr);
+    sim.reset();
+    sim.audio.setRuntimeLatency("bt", 150);
+    sim.system.addDevice(outputDevice("Other", "other"));
+    sim.audio.setRuntimeLatency("other", 150);
+    const auto subID = sim.system.deviceWithUID(audio::stackedDeviceUID)->subDevices[1];
+    EXPECT_EQ(sim.system.subDevice(subID)->uid, "bt");
+    EXPECT_THAT(sim.calls({"set"}), ElementsAre("set " + std::to_string(subID) + " 'xltc' glob 0 [8] 6615.0 -> 0"));
+    sim.system.addFailure(std::nullopt, {sim::CallKind::SetPropertyData, {}, {}, {}, -7});
+    sim.audio.setRuntimeLatency("bt", 0);
+    EXPECT_THAT(sim.printed.lines,
+                ElementsAre("⏱️ Real-time latency set on bt: 150ms (6615.0 frames)",
+                            "ℹ️ Runtime latency set failed (-7); will apply on next sync toggle."));
 }
 
 TEST(DelayToFrames, RoundsHalfAwayFromZeroAtTheMembersRateAndSaturates)

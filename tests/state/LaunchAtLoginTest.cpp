@@ -1,4 +1,3 @@
-#include "support/EventLoop.h"
 #include "support/StateFixture.h"
 
 #include "desktop/XdgAutostartLoginItems.h"
@@ -20,33 +19,11 @@ using Status = services::LoginItems::Status;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// The once-a-second trust poll and launch at login, as AppState keeps them.
-class PermissionWatch : public ::testing::Test, protected StateFixture
+// Launch at login as AppState keeps it.
+class LaunchAtLogin : public ::testing::Test, protected StateFixture
 {};
 
-TEST_F(PermissionWatch, StartsWithTheLiveValueAndOneLivePollAnnouncesTheFlagEveryTickAndNoticesEachChange)
-{
-    trust.trusted = true;
-    EXPECT_TRUE(start().isTrusted());
-    trust.trusted = false;
-    auto& app = start();
-    int announcements = 0;
-    QObject::connect(&app, &state::AppState::isTrustedChanged, [&] { ++announcements; });
-    app.startPermissionTimer();
-    app.startPermissionTimer();
-    const int before = trust.queries;
-    ASSERT_TRUE(runUntil([&] { return trust.queries > before; }, std::chrono::milliseconds(2500)));
-    drainEvents();
-    EXPECT_EQ(std::pair(trust.queries, announcements), std::pair(before + 1, 1)); // one live timer; announced unchanged
-
-    trust.trusted = true;
-    ASSERT_TRUE(runUntil([&] { return app.isTrusted(); }, std::chrono::milliseconds(2500)));
-    trust.trusted = false; // withdrawn later: noticed as well
-    ASSERT_TRUE(runUntil([&] { return !app.isTrusted(); }, std::chrono::milliseconds(2500)));
-}
-
-TEST_F(PermissionWatch,
-       LaunchAtLoginStartUpReadsTheStatusAndEveryAssignmentRegistersAgainAndAFailureIsPrintedWhileTheChoiceStays)
+TEST_F(LaunchAtLogin, StartUpReadsTheStatusAndEveryAssignmentRegistersAgainAndAFailureIsPrintedWhileTheChoiceStays)
 {
     for (const auto& [status, on] : {std::pair{Status::Enabled, true}, std::pair{Status::NotFound, false},
                                      std::pair{Status::RequiresApproval, false}}) {

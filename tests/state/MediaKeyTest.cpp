@@ -43,18 +43,6 @@ TEST_F(MediaKeys, OnlyVolumeKeyDownsAreDroppedAndAnnouncedAsStepsAfterTheTapRetu
     EXPECT_THAT(steps, ElementsAre(0.0625f, -0.0625f));
 }
 
-TEST_F(MediaKeys, WithoutPermissionStartPrintsTheFailureAndKeepsNoTapAndOnceAllowedMakesOne)
-{
-    taps.allowed = false;
-    mediaKeys.start();
-    EXPECT_FALSE(mediaKeys.hasTap());
-    EXPECT_THAT(sim.printed.lines, ElementsAre("❌ Failed to create Event Tap. Check Accessibility Permissions."));
-    taps.allowed = true;
-    mediaKeys.start();
-    mediaKeys.start();
-    EXPECT_TRUE(mediaKeys.hasTap() && taps.created == 1);
-}
-
 TEST_F(MediaKeys, VolumeKeysStepBothVolumesEachClampedSeparatelyWithSyncOnAndAfterItIsOff)
 {
     auto& app = start();

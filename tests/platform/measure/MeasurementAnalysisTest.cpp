@@ -82,7 +82,6 @@ TEST(MeasurementAnalysis, EitherSpeakerMayBeLaterEvenBeyondTheLongestDelayWhatev
         EXPECT_NEAR(outcome.latenessMs[0], std::max(0.0, primary - secondary), kAccuracyMs);
         EXPECT_NEAR(outcome.latenessMs[1], std::max(0.0, secondary - primary), kAccuracyMs);
         EXPECT_LT(outcome.spreadMs, kAccuracyMs);
-        EXPECT_EQ(outcome.differencesMs.size(), kRepeats);
     }
 }
 
